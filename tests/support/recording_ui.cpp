@@ -1,0 +1,21 @@
+#include "support/recording_ui.h"
+
+#include <algorithm>
+
+namespace tavrine::testing {
+
+int RecordingUi::ShowMessageBox(const std::wstring& text, const std::wstring& title,
+                                unsigned style) {
+  boxes_.push_back({text, title, style});
+  return answer_;
+}
+
+bool RecordingUi::CloseWindowByTitle(const std::wstring& title) {
+  auto it = std::find(open_windows_.begin(), open_windows_.end(), title);
+  if (it == open_windows_.end()) return false;
+  open_windows_.erase(it);
+  closed_windows_.push_back(title);
+  return true;
+}
+
+}  // namespace tavrine::testing

@@ -1,0 +1,90 @@
+#include "support/temp_folder.h"
+
+#include <atomic>
+#include <chrono>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <system_error>
+
+#include "platform/path.h"
+
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace tavrine::testing {
+
+namespace {
+
+std::string UniqueName() {
+  static std::atomic<unsigned> counter{0};
+  auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
+#ifdef _WIN32
+  unsigned long pid = GetCurrentProcessId();
+#else
+  unsigned long pid = static_cast<unsigned long>(getpid());
+#endif
+  std::ostringstream name;
+  name << "tavrine-test-" << pid << "-" << ticks << "-" << counter++;
+  return name.str();
+}
+
+}  // namespace
+
+TempFolder::TempFolder() {
+  path_ = std::filesystem::temp_directory_path() / UniqueName();
+  std::filesystem::create_directories(path_);
+}
+
+TempFolder::~TempFolder() {
+  std::error_code ignored;
+  std::filesystem::permissions(path_, std::filesystem::perms::owner_all,
+                               std::filesystem::perm_options::add, ignored);
+  std::filesystem::remove_all(path_, ignored);
+}
+
+std::wstring TempFolder::wpath() const { return platform::FromFsPath(path_); }
+
+std::filesystem::path TestProgramFolder() {
+#ifdef _WIN32
+  wchar_t buffer[MAX_PATH * 4] = {};
+  DWORD length = GetModuleFileNameW(nullptr, buffer, static_cast<DWORD>(std::size(buffer)));
+  return std::filesystem::path(std::wstring(buffer, length)).parent_path();
+#else
+  return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+#endif
+}
+
+std::string ReadFileBytes(const std::filesystem::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+void WriteFileBytes(const std::filesystem::path& file, const std::string& bytes) {
+  std::ofstream out(file, std::ios::binary | std::ios::trunc);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+std::string Utf16LeFile(const std::wstring& text) {
+  std::string bytes = "\xFF\xFE";
+  for (wchar_t c : text) {
+    auto code = static_cast<std::uint32_t>(c);
+    if (code >= 0x10000) {
+      code -= 0x10000;
+      std::uint32_t high = 0xD800 + (code >> 10), low = 0xDC00 + (code & 0x3FF);
+      for (std::uint32_t unit : {high, low}) {
+        bytes.push_back(static_cast<char>(unit & 0xFF));
+        bytes.push_back(static_cast<char>(unit >> 8));
+      }
+    } else {
+      bytes.push_back(static_cast<char>(code & 0xFF));
+      bytes.push_back(static_cast<char>(code >> 8));
+    }
+  }
+  return bytes;
+}
+
+}  // namespace tavrine::testing

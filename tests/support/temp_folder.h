@@ -1,0 +1,33 @@
+#pragma once
+#include <filesystem>
+#include <string>
+
+namespace tavrine::testing {
+
+// A fresh folder under the system temp folder, removed with everything in it.
+class TempFolder {
+ public:
+  TempFolder();
+  ~TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+
+  const std::filesystem::path& path() const { return path_; }
+  // The folder as the library's wide text, without a trailing separator.
+  std::wstring wpath() const;
+
+ private:
+  std::filesystem::path path_;
+};
+
+// The folder of the running test program (where the build puts the engine too).
+std::filesystem::path TestProgramFolder();
+
+// Whole-file helpers for assertions.
+std::string ReadFileBytes(const std::filesystem::path& file);
+void WriteFileBytes(const std::filesystem::path& file, const std::string& bytes);
+
+// UTF-16LE with BOM and CRLF line ends, as the request files are written.
+std::string Utf16LeFile(const std::wstring& text_with_crlf);
+
+}  // namespace tavrine::testing
