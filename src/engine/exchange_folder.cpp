@@ -1,0 +1,32 @@
+#include "engine/exchange_folder.h"
+
+#include "foundation/file_system.h"
+#include "foundation/time_format.h"
+#include "platform/path.h"
+#include "platform/services.h"
+
+namespace tavrine::engine {
+
+using foundation::CreateFolder;
+using foundation::FolderExists;
+
+std::wstring ExchangeRoot(const std::wstring& user_folder) {
+  return user_folder + platform::kPathSeparator + L"Temp";
+}
+
+std::wstring MakeExchangeFolder(const std::wstring& user_folder) {
+  if (!FolderExists(user_folder) && !CreateFolder(user_folder)) return L"";
+  std::wstring root = ExchangeRoot(user_folder);
+  if (!FolderExists(root) && !CreateFolder(root)) return L"";
+  std::wstring base =
+      root + platform::kPathSeparator +
+      foundation::FormatExchangeFolderName(platform::CurrentClock().Now());
+  std::wstring folder = base;
+  for (int suffix = 1; FolderExists(folder) && suffix < 10000; ++suffix) {
+    folder = base + L"_" + std::to_wstring(suffix);
+  }
+  if (FolderExists(folder) || !CreateFolder(folder)) return L"";
+  return folder;
+}
+
+}  // namespace tavrine::engine

@@ -1,0 +1,35 @@
+#pragma once
+#include <cstdint>
+#include <string>
+
+#include "engine/cls_client.h"
+
+namespace tavrine::operations {
+
+// The engine round trips of a session: login, listing, quota, restore,
+// versions, delete.
+class clsAPI_Interface {
+ public:
+  std::int16_t API_GetQuota(double& sMaxSize, double& sUsedSpace);
+  std::int32_t API_AutoReconnect();
+  std::int32_t API_UPDATE_RAND_NUM();
+  std::int32_t API_REMOTE(const std::wstring& strtempfd);
+  // Starts a login run in the caller's folder; returns the engine's process
+  // handle (now the caller's) or -1. Sets lResult to 1 when it completes.
+  std::int32_t API_ENTRY(const std::wstring& strtempfd, std::int16_t& lResult);
+  std::int32_t API_AutoMultipleServerSupport();
+
+ private:
+  // LoadConfigurations, GetCurrentUser and LoadProxySettings, in that order.
+  engine::ProxySettings LoadSession();
+  std::int32_t SilentLogin();
+
+  engine::clsClient client_;
+  std::wstring base_path_;
+  std::wstring current_user_;
+};
+
+// Codes that mean "no usable connection yet" to the silent login.
+bool IsTransientLoginCode(std::int32_t code);
+
+}  // namespace tavrine::operations

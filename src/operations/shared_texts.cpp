@@ -1,0 +1,60 @@
+#include "operations/shared_texts.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+#include "foundation/language_text.h"
+#include "foundation/message_table.h"
+#include "foundation/settings.h"
+#include "foundation/text_util.h"
+#include "platform/services.h"
+
+namespace tavrine::operations {
+
+namespace {
+
+constexpr int kConnectionFailureTextNumber = 683;
+
+std::wstring TextOr(std::optional<std::wstring> text, const wchar_t* fallback) {
+  return text && !foundation::Trim(*text).empty() ? *text : std::wstring(fallback);
+}
+
+void ShowFailureBox(const std::wstring& text) {
+  platform::CurrentUi().ShowMessageBox(text, foundation::CurrentSettings().failure_title,
+                                       platform::kMbOk | platform::kMbIconStop);
+}
+
+}  // namespace
+
+void PreloadFailureTexts() {
+  auto& settings = foundation::CurrentSettings();
+  settings.last_error_text = kConnectionFailureText;
+  settings.password_changed_text = kPasswordChangedText;
+}
+
+void PreloadFailureTextsFromMessageTable() {
+  auto& settings = foundation::CurrentSettings();
+  settings.last_error_text = TextOr(foundation::MessageText(-416), kConnectionFailureText);
+  settings.password_changed_text = TextOr(foundation::MessageText(-403), kPasswordChangedText);
+}
+
+bool IsListingRetryCode(std::int32_t code) {
+  constexpr std::int32_t kCodes[] = {-416, -404, -417, -403, -508,   -507,   -506,
+                                     -401, -405, -12008, -12009, -12010};
+  return std::find(std::begin(kCodes), std::end(kCodes), code) != std::end(kCodes);
+}
+
+void ShowListingFailure(std::int32_t result) {
+  auto& settings = foundation::CurrentSettings();
+  settings.last_error_text =
+      foundation::Trim(foundation::LanguageText(kConnectionFailureTextNumber));
+  if (settings.last_error_text.empty()) settings.last_error_text = kConnectionFailureText;
+
+  if (IsListingRetryCode(result) || result == -415) {
+    ShowFailureBox(settings.last_error_text);
+  } else if (result == -405 || result == -409 || result == -411 || result == -511) {
+    ShowFailureBox(foundation::MessageText(result).value_or(L""));
+  }
+}
+
+}  // namespace tavrine::operations
