@@ -1,0 +1,22 @@
+#pragma once
+#include <filesystem>
+#include <string>
+
+// The few things the reference engine needs from the OS. Text crosses this
+// seam as UTF-8 on every platform.
+namespace tavrine::refengine {
+
+// The whole file path of the running program.
+std::filesystem::path ProgramPath();
+
+std::filesystem::path PathFromUtf8(const std::string& utf8);
+std::string Utf8FromPath(const std::filesystem::path& path);
+
+// Ends the process at once with exit code 3, as a crash would: no clean-up,
+// no error dialog.
+[[noreturn]] void ExitAbnormally();
+
+// The portable engine; `parameter_text` is the command line after the program name.
+int RunEngine(const std::string& parameter_text);
+
+}  // namespace tavrine::refengine
