@@ -1,0 +1,302 @@
+// The reference engine as a real process, started the way the library starts it.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "platform/path.h"
+#include "platform/process.h"
+#include "platform/services.h"
+#include "support/engine_harness.h"
+#include "support/temp_folder.h"
+
+namespace tavrine::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using platform::WaitOutcome;
+
+// Far above a healthy run even under Wine; only a broken engine gets near it.
+constexpr std::uint32_t kRunLimitMs = 30000;
+
+std::wstring Parameters(int code, const std::wstring& folder) {
+  return L" " + std::to_wstring(code) + L"<" + folder + L">";
+}
+
+std::unique_ptr<platform::RunningProcess> Start(const EngineInstall& install,
+                                                const std::wstring& parameters,
+                                                std::wstring_view program = L"TavrinEClient.exe") {
+  auto process = platform::CurrentLauncher().Start(install.Program(program), parameters,
+                                                   install.folder());
+  EXPECT_NE(process, nullptr) << "engine did not start";
+  return process;
+}
+
+WaitOutcome RunToEnd(const EngineInstall& install, const std::wstring& parameters,
+                std::wstring_view program = L"TavrinEClient.exe") {
+  auto process = Start(install, parameters, program);
+  if (!process) return WaitOutcome::kFailed;
+  WaitOutcome outcome = process->Wait(kRunLimitMs);
+  if (outcome == WaitOutcome::kStillRunning) process->Terminate(1);
+  return outcome;
+}
+
+WaitOutcome RunToEnd(const EngineInstall& install, int code, const fs::path& folder,
+                std::wstring_view program = L"TavrinEClient.exe") {
+  return RunToEnd(install, Parameters(code, platform::FromFsPath(folder)), program);
+}
+
+// A fresh exchange folder holding a request, as the library leaves it.
+fs::path MakeExchange(const EngineInstall& install, const std::string& name) {
+  fs::path folder = install.path() / "Temp" / name;
+  fs::create_directories(folder);
+  WriteFileBytes(folder / "DLLInput.txt", Utf16LeFile(L"10.0.0.1\r\n443\r\n"));
+  return folder;
+}
+
+// Names of the files in a folder, the request aside.
+std::vector<std::string> Answered(const fs::path& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder))
+    if (entry.path().filename() != "DLLInput.txt") names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+using Names = std::vector<std::string>;
+
+TEST(EngineRefQueue, PlaysAnswersInOrderThenRepeatsTheLast) {
+  EngineInstall install;
+  EngineScenario scenario;
+  scenario.On(115).Output(-416).Then().Info(-12009, "Server busy").Then().Output(0);
+  install.SetScenario(scenario);
+
+  std::vector<fs::path> folders;
+  for (int run = 0; run < 4; ++run) {
+    folders.push_back(MakeExchange(install, "H_1_02_00" + std::to_string(run)));
+    ASSERT_EQ(RunToEnd(install, 115, folders.back()), WaitOutcome::kExited);
+  }
+  EXPECT_EQ(Answered(folders[0]), Names{"DLLOutput.txt"});
+  EXPECT_EQ(ReadFileBytes(folders[0] / "DLLOutput.txt"), "-416\r\n");
+  EXPECT_EQ(Answered(folders[1]), Names{"DLLOutputInfo.txt"});
+  EXPECT_EQ(ReadFileBytes(folders[1] / "DLLOutputInfo.txt"), "-12009\r\nServer busy\r\n");
+  EXPECT_EQ(ReadFileBytes(folders[2] / "DLLOutput.txt"), "0\r\n");
+  EXPECT_EQ(ReadFileBytes(folders[3] / "DLLOutput.txt"), "0\r\n");
+
+  std::vector<std::size_t> answers;
+  for (const EngineRun& run : install.Journal()) answers.push_back(run.answer.value_or(99));
+  EXPECT_EQ(answers, (std::vector<std::size_t>{0, 1, 2, 2}));
+}
+
+TEST(EngineRefQueue, EachCodeKeepsItsOwnPlace) {
+  EngineInstall install;
+  EngineScenario scenario;
+  scenario.On(114).Output(1).Then().Output(2);
+  scenario.On(115).Output(7);
+  install.SetScenario(scenario);
+
+  std::string seen;
+  for (int code : {115, 114, 115, 114}) {
+    fs::path folder = MakeExchange(install, "H_" + std::to_string(seen.size()));
+    ASSERT_EQ(RunToEnd(install, code, folder), WaitOutcome::kExited);
+    seen += ReadFileBytes(folder / "DLLOutput.txt");
+  }
+  EXPECT_EQ(seen, "7\r\n1\r\n7\r\n2\r\n");
+}
+
+TEST(EngineRefQueue, NoScenarioOrNoEntryAnswersNothing) {
+  EngineInstall install;
+  fs::path bare = MakeExchange(install, "bare");
+  ASSERT_EQ(RunToEnd(install, 115, bare), WaitOutcome::kExited);
+  EXPECT_EQ(Answered(bare), Names{});
+
+  EngineScenario scenario;
+  scenario.On(114).Output(0);
+  install.SetScenario(scenario);
+  fs::path other = MakeExchange(install, "other code");
+  ASSERT_EQ(RunToEnd(install, 115, other), WaitOutcome::kExited);
+  EXPECT_EQ(Answered(other), Names{});
+
+  auto journal = install.Journal();
+  ASSERT_EQ(journal.size(), 2u);
+  EXPECT_FALSE(journal[0].answer);
+  EXPECT_FALSE(journal[1].answer);
+}
+
+TEST(EngineRefResults, FilesHoldExactlyTheScriptedBytes) {
+  EngineInstall install;
+  install.WriteFile(L"quota source.txt", "1048576\r\n524288\r\n");
+  const std::string listing = Utf16LeFile(L"C\\Docs\\a.txt|12|2011\r\n");
+  const std::string garbage("\xff\x00\x80\r\x1a", 5);
+  EngineScenario scenario;
+  scenario.On(114).Info(-504).Then().OutputText("12abc").WithFile("DLLOutput1.txt", garbage);
+  scenario.On(115).Output(0).WithFile("Backupfile.txt", listing);
+  scenario.CopyFile("quota source.txt", "Quota.txt");
+  install.SetScenario(scenario);
+
+  fs::path info = MakeExchange(install, "info"), text = MakeExchange(install, "text"),
+           files = MakeExchange(install, "files");
+  ASSERT_EQ(RunToEnd(install, 114, info), WaitOutcome::kExited);
+  ASSERT_EQ(RunToEnd(install, 114, text), WaitOutcome::kExited);
+  ASSERT_EQ(RunToEnd(install, 115, files), WaitOutcome::kExited);
+
+  EXPECT_EQ(ReadFileBytes(info / "DLLOutputInfo.txt"), "-504\r\n");
+  EXPECT_EQ(ReadFileBytes(text / "DLLOutput.txt"), "12abc\r\n");
+  EXPECT_EQ(ReadFileBytes(text / "DLLOutput1.txt"), garbage);
+  EXPECT_EQ(Answered(files), (Names{"Backupfile.txt", "DLLOutput.txt", "Quota.txt"}));
+  EXPECT_EQ(ReadFileBytes(files / "Backupfile.txt"), listing);
+  EXPECT_EQ(ReadFileBytes(files / "Quota.txt"), "1048576\r\n524288\r\n");
+}
+
+TEST(EngineRefJournal, RecordsRequestParametersAndFoldersExactly) {
+  // Spaces and non-ASCII both in the install folder and in the exchange folder.
+  EngineInstall install({.folder_name = L"Tavrin E \u00dcn\u00ef \u2603"});
+  fs::path folder = install.path() / platform::ToFsPath(L"Anna M\u00fcller") / "Temp" /
+                    "H_1_02_003";
+  fs::create_directories(folder);
+  const std::string request = Utf16LeFile(L"10.0.0.1\r\n443\r\ncde\r\n\r\n\r\n1234567\r\n");
+  const std::string restore_to = Utf16LeFile(L"D:\\Restore here\r\n");
+  WriteFileBytes(folder / "DLLInput.txt", request);
+  WriteFileBytes(folder / "restdestdir.txt", restore_to);
+  WriteFileBytes(folder / "MPC.ini", "[MPC]\r\nHostCount=2\r\n");
+
+  const std::wstring wfolder = platform::FromFsPath(folder);
+  ASSERT_EQ(RunToEnd(install, 123, folder), WaitOutcome::kExited);
+
+  auto journal = install.Journal();
+  ASSERT_EQ(journal.size(), 1u);
+  const EngineRun& run = journal[0];
+  EXPECT_EQ(run.code, 123);
+  EXPECT_EQ(run.folder, wfolder);
+  EXPECT_EQ(run.params, L" 123<" + wfolder + L">");
+  EXPECT_EQ(run.program, L"TavrinEClient.exe");
+  EXPECT_EQ(fs::weakly_canonical(platform::ToFsPath(run.cwd)), fs::weakly_canonical(install.path()));
+  EXPECT_EQ(run.request, request);
+  EXPECT_EQ(run.restdestdir, restore_to);
+  EXPECT_EQ(run.mpc_ini, "[MPC]\r\nHostCount=2\r\n");
+  EXPECT_EQ(run.input_delete, std::nullopt);
+  EXPECT_EQ(run.note, L"");
+}
+
+TEST(EngineRefJournal, AliasNamesShareTheQueue) {
+  EngineInstall install({.aliases = {L"TavrinEClsClient.exe"}});
+  EngineScenario scenario;
+  scenario.On(114).Output(-416).Then().Output(0);
+  install.SetScenario(scenario);
+
+  fs::path first = MakeExchange(install, "1"), second = MakeExchange(install, "2");
+  ASSERT_EQ(RunToEnd(install, 114, first, L"TavrinEClsClient.exe"), WaitOutcome::kExited);
+  ASSERT_EQ(RunToEnd(install, 114, second), WaitOutcome::kExited);
+  EXPECT_EQ(ReadFileBytes(second / "DLLOutput.txt"), "0\r\n");
+  auto journal = install.Journal();
+  ASSERT_EQ(journal.size(), 2u);
+  EXPECT_EQ(journal[0].program, L"TavrinEClsClient.exe");
+  EXPECT_EQ(journal[1].program, L"TavrinEClient.exe");
+}
+
+TEST(EngineRefJournal, ParameterTextIsParsedUpToTheLastBracket) {
+  EngineInstall install;
+  const std::wstring base = install.folder() + platform::kPathSeparator;
+  struct Case {
+    std::wstring params;
+    std::optional<int> code;
+    std::wstring folder;
+  };
+  const std::vector<Case> cases = {
+      {L" 5<" + base + L"x>", 5, base + L"x"},
+      {L"   115<" + base + L"x>", 115, base + L"x"},
+      {L" 115<" + base + L"a>b>", 115, base + L"a>b"},
+      {L" 115<" + base + L"x>tail", 115, base + L"x"},
+      {L" 115 <" + base + L"x>", std::nullopt, L""},
+      {L" <" + base + L"x>", std::nullopt, L""},
+      {L" 115<" + base + L"x", std::nullopt, L""},
+  };
+  for (const Case& c : cases) ASSERT_EQ(RunToEnd(install, c.params), WaitOutcome::kExited);
+
+  auto journal = install.Journal();
+  ASSERT_EQ(journal.size(), cases.size());
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    SCOPED_TRACE(platform::WideToUtf8(cases[i].params));
+    EXPECT_EQ(journal[i].params, cases[i].params);
+    EXPECT_EQ(journal[i].code, cases[i].code);
+    EXPECT_EQ(journal[i].folder, cases[i].folder);
+  }
+}
+
+TEST(EngineRefJournal, BrokenScenarioIsReportedNotPlayed) {
+  EngineInstall install;
+  install.SetScenarioText("on 115\n  output 0\n  outptu 1\non 114\n  copy missing.txt\n");
+  fs::path folder = MakeExchange(install, "x");
+  ASSERT_EQ(RunToEnd(install, 115, folder), WaitOutcome::kExited);
+  EXPECT_EQ(Answered(folder), Names{});
+
+  EngineScenario scenario;
+  scenario.On(114).Output(0).CopyFile("missing.txt", "Quota.txt");
+  install.SetScenario(scenario);
+  ASSERT_EQ(RunToEnd(install, 114, folder), WaitOutcome::kExited);
+  EXPECT_EQ(Answered(folder), Names{});
+
+  auto journal = install.Journal();
+  ASSERT_EQ(journal.size(), 2u);
+  EXPECT_NE(journal[0].note.find(L"line 3"), std::wstring::npos) << journal[0].note;
+  EXPECT_NE(journal[1].note.find(L"missing.txt"), std::wstring::npos) << journal[1].note;
+}
+
+TEST(EngineRefLifetime, MissingExchangeFolderStaysMissing) {
+  EngineInstall install;
+  EngineScenario scenario;
+  scenario.On(115).Output(0);
+  install.SetScenario(scenario);
+  fs::path folder = install.path() / "Temp" / "never made";
+  ASSERT_EQ(RunToEnd(install, 115, folder), WaitOutcome::kExited);
+  EXPECT_FALSE(fs::exists(folder));
+  auto journal = install.Journal();
+  ASSERT_EQ(journal.size(), 1u);
+  EXPECT_EQ(journal[0].request, std::nullopt);
+}
+
+TEST(EngineRefLifetime, HangingEngineIsKilledWithoutAnswer) {
+  EngineInstall install;
+  EngineScenario scenario;
+  scenario.On(115).Hang().Output(0);
+  install.SetScenario(scenario);
+  fs::path folder = MakeExchange(install, "hang");
+  auto process = Start(install, Parameters(115, platform::FromFsPath(folder)));
+  ASSERT_NE(process, nullptr);
+  EXPECT_EQ(process->Wait(500), WaitOutcome::kStillRunning);
+  EXPECT_TRUE(process->Terminate(0));
+  EXPECT_EQ(process->Wait(kRunLimitMs), WaitOutcome::kExited);
+  EXPECT_EQ(Answered(folder), Names{});
+  EXPECT_EQ(install.Journal().size(), 1u);  // journaled before it hung
+}
+
+TEST(EngineRefLifetime, DelayHoldsTheAnswerBack) {
+  EngineInstall install;
+  EngineScenario scenario;
+  scenario.On(114).Delay(1500).Output(0);
+  install.SetScenario(scenario);
+  fs::path folder = MakeExchange(install, "delay");
+  auto process = Start(install, Parameters(114, platform::FromFsPath(folder)));
+  ASSERT_NE(process, nullptr);
+  EXPECT_EQ(process->Wait(300), WaitOutcome::kStillRunning);
+  EXPECT_EQ(Answered(folder), Names{});
+  ASSERT_EQ(process->Wait(kRunLimitMs), WaitOutcome::kExited);
+  EXPECT_EQ(ReadFileBytes(folder / "DLLOutput.txt"), "0\r\n");
+}
+
+TEST(EngineRefLifetime, CrashesLeaveNoResultOrHalfAFile) {
+  EngineInstall install;
+  EngineScenario scenario;
+  scenario.On(115).Crash().Output(0).Then().CrashHalfway("Backupfile.txt", "0123456789").Output(0);
+  install.SetScenario(scenario);
+  fs::path crash = MakeExchange(install, "crash"), half = MakeExchange(install, "half");
+  ASSERT_EQ(RunToEnd(install, 115, crash), WaitOutcome::kExited);
+  ASSERT_EQ(RunToEnd(install, 115, half), WaitOutcome::kExited);
+  EXPECT_EQ(Answered(crash), Names{});
+  EXPECT_EQ(Answered(half), Names{"Backupfile.txt"});
+  EXPECT_EQ(ReadFileBytes(half / "Backupfile.txt"), "01234");
+}
+
+}  // namespace
+}  // namespace tavrine::testing

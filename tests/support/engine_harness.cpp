@@ -1,0 +1,200 @@
+#include "support/engine_harness.h"
+
+#include <stdexcept>
+
+#include "platform/path.h"
+
+namespace tavrine::testing {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string Hex(std::string_view bytes) {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::string hex;
+  for (char c : bytes) {
+    auto byte = static_cast<unsigned char>(c);
+    hex += kDigits[byte >> 4];
+    hex += kDigits[byte & 0xF];
+  }
+  return hex;
+}
+
+int HexValue(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  throw std::runtime_error("engine journal: bad hex digit");
+}
+
+std::string Unhex(std::string_view hex) {
+  std::string bytes;
+  for (std::size_t i = 0; i + 1 < hex.size(); i += 2)
+    bytes += static_cast<char>(HexValue(hex[i]) * 16 + HexValue(hex[i + 1]));
+  return bytes;
+}
+
+std::wstring Unescape(std::string_view text) {
+  std::string raw;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '%' && i + 2 < text.size()) {
+      raw += static_cast<char>(HexValue(text[i + 1]) * 16 + HexValue(text[i + 2]));
+      i += 2;
+    } else {
+      raw += text[i];
+    }
+  }
+  return platform::Utf8ToWide(raw);
+}
+
+std::optional<std::string> FileField(std::string_view value) {
+  if (value == "-") return std::nullopt;
+  return Unhex(value);
+}
+
+EngineRun ParseRun(std::string_view line) {
+  EngineRun run;
+  while (!line.empty()) {
+    std::size_t tab = line.find('\t');
+    std::string_view field = line.substr(0, tab);
+    line = tab == std::string_view::npos ? std::string_view() : line.substr(tab + 1);
+    std::size_t equals = field.find('=');
+    if (equals == std::string_view::npos) continue;
+    std::string_view key = field.substr(0, equals), value = field.substr(equals + 1);
+    if (key == "code" && !value.empty()) run.code = std::stoi(std::string(value));
+    if (key == "answer" && value != "-") run.answer = std::stoul(std::string(value));
+    if (key == "program") run.program = Unescape(value);
+    if (key == "folder") run.folder = Unescape(value);
+    if (key == "cwd") run.cwd = Unescape(value);
+    if (key == "params") run.params = Unescape(value);
+    if (key == "note") run.note = Unescape(value);
+    if (key == "DLLInput.txt") run.request = FileField(value);
+    if (key == "restdestdir.txt") run.restdestdir = FileField(value);
+    if (key == "InputDelete.txt") run.input_delete = FileField(value);
+    if (key == "MPC.ini") run.mpc_ini = FileField(value);
+  }
+  return run;
+}
+
+}  // namespace
+
+EngineScenario& EngineScenario::On(int code) {
+  for (current_ = 0; current_ < queues_.size(); ++current_)
+    if (queues_[current_].first == code) return *this;
+  queues_.push_back({code, {{}}});
+  return *this;
+}
+
+EngineScenario& EngineScenario::Then() {
+  if (current_ >= queues_.size()) throw std::logic_error("EngineScenario: Then() before On()");
+  queues_[current_].second.emplace_back();
+  return *this;
+}
+
+EngineScenario& EngineScenario::Add(std::string line) {
+  if (current_ >= queues_.size()) throw std::logic_error("EngineScenario: action before On()");
+  if (line.find_first_of("\r\n") != std::string::npos)
+    throw std::invalid_argument("EngineScenario: line breaks need WithFile()");
+  queues_[current_].second.back().push_back(std::move(line));
+  return *this;
+}
+
+EngineScenario& EngineScenario::Output(long long value) {
+  return Add("output " + std::to_string(value));
+}
+EngineScenario& EngineScenario::OutputText(std::string_view line) {
+  return Add("output " + std::string(line));
+}
+EngineScenario& EngineScenario::Info(long long code) { return Add("info " + std::to_string(code)); }
+EngineScenario& EngineScenario::Info(long long code, std::string_view description) {
+  return Add("info " + std::to_string(code) + " " + std::string(description));
+}
+EngineScenario& EngineScenario::WithFile(std::string_view name, std::string_view bytes) {
+  return Add("bytes " + std::string(name) + " " + Hex(bytes));
+}
+EngineScenario& EngineScenario::CopyFile(std::string_view source, std::string_view target) {
+  return Add("copy " + std::string(source) + " -> " + std::string(target));
+}
+EngineScenario& EngineScenario::Delay(unsigned ms) { return Add("delay " + std::to_string(ms)); }
+EngineScenario& EngineScenario::Hang() { return Add("hang"); }
+EngineScenario& EngineScenario::Crash() { return Add("crash"); }
+EngineScenario& EngineScenario::CrashHalfway(std::string_view name, std::string_view bytes) {
+  return Add("half bytes " + std::string(name) + " " + Hex(bytes));
+}
+EngineScenario& EngineScenario::Exit(int exit_code) {
+  return Add("exit " + std::to_string(exit_code));
+}
+
+std::string EngineScenario::Text() const {
+  std::string text;
+  for (const auto& [code, answers] : queues_) {
+    text += "on " + std::to_string(code) + "\n";
+    for (std::size_t i = 0; i < answers.size(); ++i) {
+      if (i > 0) text += "then\n";
+      for (const std::string& line : answers[i]) text += "  " + line + "\n";
+    }
+  }
+  return text;
+}
+
+void InstallEngine(const fs::path& folder, const std::vector<std::wstring>& aliases) {
+  const fs::path engine = TestProgramFolder() / "TavrinEClient.exe";
+  if (!fs::exists(engine))
+    throw std::runtime_error("reference engine not built beside the test program: " +
+                             engine.string());
+  fs::copy_file(engine, folder / "TavrinEClient.exe", fs::copy_options::overwrite_existing);
+  for (const std::wstring& alias : aliases)
+    fs::copy_file(engine, folder / platform::ToFsPath(alias), fs::copy_options::overwrite_existing);
+}
+
+void WriteEngineScenario(const fs::path& folder, const EngineScenario& scenario) {
+  WriteFileBytes(folder / "engine-scenario.txt", scenario.Text());
+}
+
+std::vector<EngineRun> ReadEngineJournal(const fs::path& folder) {
+  std::string text = ReadFileBytes(folder / "engine-journal.txt");
+  std::vector<EngineRun> runs;
+  std::string_view rest = text;
+  while (!rest.empty()) {
+    std::size_t end = rest.find('\n');
+    std::string_view line = rest.substr(0, end);
+    rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
+    if (!line.empty()) runs.push_back(ParseRun(line));
+  }
+  return runs;
+}
+
+EngineInstall::EngineInstall(const EngineInstallOptions& options) {
+  path_ = temp_.path();
+  if (!options.folder_name.empty()) {
+    path_ /= platform::ToFsPath(options.folder_name);
+    fs::create_directories(path_);
+  }
+  folder_text_ = platform::FromFsPath(path_);
+  InstallEngine(path_, options.aliases);
+  if (options.configuration_ini) WriteFile(L"Configuration.ini", *options.configuration_ini);
+  if (options.username_ini) WriteFile(L"UserName.ini", *options.username_ini);
+
+  services_.emplace(platform::Services{.module_folder = folder_text_});
+}
+
+std::wstring EngineInstall::Program(std::wstring_view name) const {
+  return folder_text_ + platform::kPathSeparator + std::wstring(name);
+}
+
+void EngineInstall::SetScenario(const EngineScenario& scenario) const {
+  WriteEngineScenario(path_, scenario);
+}
+
+void EngineInstall::SetScenarioText(std::string_view text) const {
+  WriteFileBytes(path_ / "engine-scenario.txt", std::string(text));
+}
+
+void EngineInstall::WriteFile(std::wstring_view name, std::string_view bytes) const {
+  WriteFileBytes(path_ / platform::ToFsPath(std::wstring(name)), std::string(bytes));
+}
+
+std::vector<EngineRun> EngineInstall::Journal() const { return ReadEngineJournal(path_); }
+
+}  // namespace tavrine::testing

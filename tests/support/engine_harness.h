@@ -1,0 +1,111 @@
+#pragma once
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/services.h"
+#include "support/temp_folder.h"
+
+namespace tavrine::testing {
+
+// Builds the reference engine's engine-scenario.txt (format: tools/engine/README.md).
+//   scenario.On(115).Output(-416).Then().Output(0).WithFile("Backupfile.txt", bytes);
+// Calls add actions to the open answer, in the order the engine plays them.
+class EngineScenario {
+ public:
+  // Selects the queue of `code`; the first time, opens its first answer.
+  EngineScenario& On(int code);
+  // Opens the next answer of the selected code. A code's last answer repeats.
+  EngineScenario& Then();
+
+  EngineScenario& Output(long long value);        // DLLOutput.txt "value\r\n"
+  EngineScenario& OutputText(std::string_view line);  // DLLOutput.txt "line\r\n", any text
+  EngineScenario& Info(long long code);           // DLLOutputInfo.txt "code\r\n"
+  EngineScenario& Info(long long code, std::string_view description);
+  // A file of exactly these bytes in the exchange folder (garbage included).
+  EngineScenario& WithFile(std::string_view name, std::string_view bytes);
+  // Copies a file lying beside the engine (EngineInstall::WriteFile) into the exchange folder.
+  EngineScenario& CopyFile(std::string_view source, std::string_view target);
+  EngineScenario& Delay(unsigned ms);
+  EngineScenario& Hang();   // until killed
+  EngineScenario& Crash();  // abnormal exit, nothing more written
+  // Writes the first half of these bytes, then crashes.
+  EngineScenario& CrashHalfway(std::string_view name, std::string_view bytes);
+  EngineScenario& Exit(int exit_code);
+
+  std::string Text() const;
+
+ private:
+  EngineScenario& Add(std::string line);
+
+  std::vector<std::pair<int, std::vector<std::vector<std::string>>>> queues_;
+  std::size_t current_ = 0;
+};
+
+// One line of the engine's journal.
+struct EngineRun {
+  std::optional<int> code;            // nullopt when the parameters were not understood
+  std::optional<std::size_t> answer;  // index in the code's queue; nullopt when none was played
+  std::wstring program;               // file name the engine was started as
+  std::wstring folder;                // exchange folder from the parameters
+  std::wstring cwd;
+  std::wstring params;                // the whole parameter text
+  std::wstring note;                  // the engine's complaint, if any
+  // Bytes of the exchange folder's files at the engine's start; nullopt when absent.
+  std::optional<std::string> request;  // DLLInput.txt
+  std::optional<std::string> restdestdir;
+  std::optional<std::string> input_delete;
+  std::optional<std::string> mpc_ini;
+};
+
+struct EngineInstallOptions {
+  // Subfolder of the temp folder to install into (spaces, non-ASCII); empty: the temp folder.
+  std::wstring folder_name{};
+  // More names for the engine, e.g. L"TavrinEClsClient.exe" for ExeGroup "TavrinE".
+  std::vector<std::wstring> aliases{};
+  std::optional<std::string> configuration_ini{};  // bytes of Configuration.ini
+  std::optional<std::string> username_ini{};     // bytes of UserName.ini
+};
+
+// Building blocks for a folder someone else owns (e.g. InstallFolder): copies the
+// built engine in as TavrinEClient.exe plus any alias names.
+void InstallEngine(const std::filesystem::path& folder,
+                   const std::vector<std::wstring>& aliases = {});
+void WriteEngineScenario(const std::filesystem::path& folder, const EngineScenario& scenario);
+// Every run so far, oldest first.
+std::vector<EngineRun> ReadEngineJournal(const std::filesystem::path& folder);
+
+// A throw-away install folder holding the reference engine. While alive it is
+// the library's module folder on this thread.
+class EngineInstall {
+ public:
+  explicit EngineInstall(const EngineInstallOptions& options = {});
+  EngineInstall(const EngineInstall&) = delete;
+  EngineInstall& operator=(const EngineInstall&) = delete;
+
+  // As the library sees its module folder: no trailing separator.
+  const std::wstring& folder() const { return folder_text_; }
+  const std::filesystem::path& path() const { return path_; }
+  // folder() + separator + name, as the library builds the program path.
+  std::wstring Program(std::wstring_view name = L"TavrinEClient.exe") const;
+
+  void SetScenario(const EngineScenario& scenario) const;
+  void SetScenarioText(std::string_view text) const;
+  // A file beside the engine (copy sources, ini files).
+  void WriteFile(std::wstring_view name, std::string_view bytes) const;
+
+  // Every run so far, oldest first.
+  std::vector<EngineRun> Journal() const;
+
+ private:
+  TempFolder temp_;
+  std::filesystem::path path_;
+  std::wstring folder_text_;
+  std::optional<platform::ScopedServices> services_;
+};
+
+}  // namespace tavrine::testing
