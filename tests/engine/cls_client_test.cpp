@@ -1,0 +1,261 @@
+#include "engine/cls_client.h"
+
+#include <gtest/gtest.h>
+
+#include "engine/exchange_folder.h"
+#include "foundation/settings.h"
+#include "platform/ini_file.h"
+#include "platform/path.h"
+#include "profile/profile_store.h"
+#include "support/install_folder.h"
+
+namespace tavrine::engine {
+namespace {
+
+using testing::InstallFolder;
+using testing::ReadFileBytes;
+using testing::Utf16LeFile;
+
+class ClsClientTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    install_.WriteStandardConfiguration();
+    profile::SetCurrentUserName(L"abc");
+    profile::UpdateUserProfile(L"username", L"abc");
+    profile::UpdateUserProfile(L"password", L"");
+    profile::UpdateUserProfile(L"encpassword", L"old");
+    profile::UpdateUserProfile(L"encpasswordnew", L"x~");
+    profile::UpdateUserProfile(L"serverip", L"10.1.2.3");
+    profile::UpdateUserProfile(L"port", L"8443");
+    client_.LoadConfigurations();
+    folder_ = install_.wpath() + platform::kPathSeparator + L"ex change";
+    std::filesystem::create_directories(platform::ToFsPath(folder_));
+  }
+
+  std::string Request() const {
+    return ReadFileBytes(platform::ToFsPath(folder_) / "DLLInput.txt");
+  }
+  std::string Lines(const std::wstring& text) const { return Utf16LeFile(text); }
+
+  InstallFolder install_;
+  clsClient client_;
+  std::wstring folder_;
+};
+
+// Server lines, shifted credentials (abc -> cde, empty stays empty, ~ -> the
+// code-page character 0x80), the random number, then the proxy block.
+constexpr const wchar_t* kHead = L"10.1.2.3\r\n8443\r\ncde\r\n\r\nz\u20AC\r\nR1\r\n";
+
+ProxyBlock SampleProxy() {
+  ProxyBlock proxy;
+  proxy.proxyexistsflag = 1;
+  proxy.proxytype = 2;
+  proxy.proxyserverip = L"proxy.lan";
+  proxy.proxyserverport = L"3128";
+  proxy.proxyserveruname = L"pu";
+  proxy.proxyserverpwd = L"pp";
+  proxy.AsciiRandom = L"R1";
+  return proxy;
+}
+
+TEST_F(ClsClientTest, TwelveLineRequestByteForByte) {
+  client_.WriteDLLInputFileTempFd(folder_, SampleProxy());
+  EXPECT_EQ(Request(), Lines(std::wstring(kHead) + L"1\r\n2\r\nproxy.lan\r\n3128\r\npu\r\npp\r\n"));
+}
+
+TEST_F(ClsClientTest, FifteenLineBackupSetRequestPutsNumbersAfterTheRandom) {
+  client_.WriteDLLInputFileBackupSetTempFd(folder_, -3, 70000, -2147483647 - 1, SampleProxy());
+  EXPECT_EQ(Request(), Lines(std::wstring(kHead) +
+                             L"-3\r\n70000\r\n-2147483648\r\n1\r\n2\r\nproxy.lan\r\n3128\r\n"
+                             L"pu\r\npp\r\n"));
+}
+
+TEST_F(ClsClientTest, AnEarlierRequestIsReplacedNotAppendedTo) {
+  testing::WriteFileBytes(platform::ToFsPath(folder_) / "DLLInput.txt", std::string(5000, 'x'));
+  client_.WriteDLLInputFileTempFd(folder_, ProxyArguments({}, L"R1"));
+  EXPECT_EQ(Request(), Lines(std::wstring(kHead) + L"0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n"));
+}
+
+TEST_F(ClsClientTest, VersionRequestDropsTheComputerOnlyWithSeveralComputers) {
+  struct Case {
+    const char* host_count;  // nullptr: no MPC.ini
+    const wchar_t* line13;
+  } cases[] = {
+      {"2", L"C\\Docs\\a.txt"},
+      {"1", L"HOMEPC\\C\\Docs\\a.txt"},
+      {nullptr, L"HOMEPC\\C\\Docs\\a.txt"},
+  };
+  for (const auto& c : cases) {
+    std::filesystem::remove(platform::ToFsPath(folder_) / "MPC.ini");
+    if (c.host_count) {
+      testing::WriteFileBytes(platform::ToFsPath(folder_) / "MPC.ini",
+                              std::string("[MPC]\r\nHostCount=") + c.host_count + "\r\n");
+    }
+    client_.WriteDLLInputVersionFile(folder_, ProxyArguments({}, L"R1"), L"HOMEPC\\C\\Docs\\a.txt");
+    EXPECT_EQ(Request(), Lines(std::wstring(kHead) + L"0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n" +
+                               c.line13 + L"\r\n"))
+        << (c.host_count ? c.host_count : "none");
+    EXPECT_EQ(foundation::CurrentSettings().multiple_pc, c.host_count && c.host_count[0] == '2');
+  }
+  // Without several computers this computer is recorded as the only host.
+  std::wstring mpc = folder_ + platform::kPathSeparator + L"MPC.ini";
+  EXPECT_EQ(platform::ReadIniString(L"MPC", L"Hosts", mpc), L"abc|0;");
+  EXPECT_EQ(platform::ReadIniString(L"MPC", L"HostCount", mpc), L"1");
+}
+
+TEST_F(ClsClientTest, WriteDllInputFileNeverWritesAndLogsWhy) {
+  std::wstring user_folder = client_.UserFolder();
+  std::filesystem::create_directories(platform::ToFsPath(user_folder));
+  client_.WriteDLLInputFile(SampleProxy());
+  EXPECT_FALSE(std::filesystem::exists(platform::ToFsPath(user_folder) / "DLLInput.txt"));
+  std::string log = ReadFileBytes(install_.path() / "Log" / "TavrinEUI.txt");
+  EXPECT_NE(log.find("[EXCEPTION] clsClient :: WriteDLLInputFile() : File not found"),
+            std::string::npos);
+}
+
+TEST_F(ClsClientTest, CacheFallsBackToOlderProfileValues) {
+  profile::UpdateUserProfile(L"encpasswordnew", L"");
+  profile::UpdateUserProfile(L"serverip", L"");
+  profile::UpdateUserProfile(L"IPAddres", L"9.9.9.9");
+  profile::UpdateUserProfile(L"port", L"");
+  profile::UpdateUserProfile(L"OutPort", L"21");
+  client_.LoadConfigurations();
+  client_.WriteDLLInputFileTempFd(folder_, ProxyArguments({}, L"R1"));
+  EXPECT_EQ(Request(), Lines(L"9.9.9.9\r\n21\r\ncde\r\n\r\nqnf\r\nR1\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n"));
+}
+
+struct ResultCase {
+  const char* name;
+  const char* output;  // nullptr: file absent
+  const char* info;
+  bool result;
+  double value;
+  const wchar_t* description;
+};
+
+TEST_F(ClsClientTest, ResultFilesAreReadInTheirOrder) {
+  const ResultCase cases[] = {
+      {"success", "402\r\n", "-416\r\nignored\r\n", true, 402, L"keep"},
+      {"empty success falls to info", "", "-504\r\nNetwork\r\n", false, -504, L"Network"},
+      {"info with one line keeps the text", nullptr, "-416\r\n", false, -416, L"keep"},
+      {"info with an empty second line", nullptr, "-416\r\n\r\n", false, -416, L""},
+      {"not a number keeps the value", "garbage\r\n", nullptr, true, 7, L"keep"},
+      {"no answer at all", nullptr, nullptr, false, 7, L"keep"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    auto folder = platform::ToFsPath(folder_);
+    std::filesystem::remove(folder / "DLLOutput.txt");
+    std::filesystem::remove(folder / "DLLOutputInfo.txt");
+    if (c.output) testing::WriteFileBytes(folder / "DLLOutput.txt", c.output);
+    if (c.info) testing::WriteFileBytes(folder / "DLLOutputInfo.txt", c.info);
+    bool result = !c.result;
+    std::wstring description = L"keep";
+    double value = 7;
+    client_.ReadDLLOutputFileTempFd(folder_, result, description, value);
+    EXPECT_EQ(result, c.result);
+    EXPECT_EQ(value, c.value);
+    EXPECT_EQ(description, c.description);
+  }
+}
+
+TEST_F(ClsClientTest, DeleteRemovesExactlyTheFourExchangeFiles) {
+  auto folder = platform::ToFsPath(folder_);
+  for (const char* name : {"DLLOutput.txt", "DLLOutput1.txt", "DLLInput.txt", "DLLOutputInfo.txt",
+                           "Backupfile.txt"}) {
+    testing::WriteFileBytes(folder / name, "x");
+  }
+  client_.DeleteInputOutFilesTempFd(folder_);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder),
+                          std::filesystem::directory_iterator()),
+            1);
+  EXPECT_TRUE(std::filesystem::exists(folder / "Backupfile.txt"));
+}
+
+TEST_F(ClsClientTest, ServerAddressAndPortAreSavedUnderBothNames) {
+  client_.SetIPAddress(L"1.2.3.4");
+  client_.SetOutgoingPort(L"99");
+  client_.SaveIP_PORT();
+  EXPECT_EQ(client_.GetUserProfile(L"serverip"), L"1.2.3.4");
+  EXPECT_EQ(client_.GetUserProfile(L"IPAddress"), L"1.2.3.4");
+  EXPECT_EQ(client_.GetUserProfile(L"port"), L"99");
+  EXPECT_EQ(client_.GetUserProfile(L"Port"), L"99");
+  clsClient reloaded;
+  reloaded.LoadConfigurations();
+  EXPECT_EQ(reloaded.server_address(), L"1.2.3.4");
+}
+
+TEST_F(ClsClientTest, GetIpAddressResolvesTheConfiguredHostOrFallsBack) {
+  client_.SetIPAddress(L"localhost");
+  client_.GetIPAddress();
+  EXPECT_EQ(client_.server_address(), L"localhost");
+
+  client_.SetIPAddress(L"old");
+  client_.GetIPAddress();  // DomainName=localhost
+  EXPECT_EQ(client_.server_address(), L"127.0.0.1");
+
+  install_.WriteConfiguration(
+      "[ProductInfo]\r\nProductInstallationName=TavrinE\r\n[ConnectionInfo]\r\n"
+      "DomainName=no-such-host.invalid\r\n");
+  foundation::CurrentSettings().current_address = L"127.0.0.9";
+  client_.GetIPAddress();
+  EXPECT_EQ(client_.server_address(), L"127.0.0.9");
+}
+
+TEST_F(ClsClientTest, LoadProxySettingsCopiesTheCache) {
+  profile::UpdateUserProfile(L"Proxyset", L"1");
+  profile::UpdateUserProfile(L"proxytypehttp", L"-1");
+  profile::UpdateUserProfile(L"ProxyName", L"px");
+  profile::UpdateUserProfile(L"ProxyPort", L"8080");
+  profile::UpdateUserProfile(L"ProxyUser", L"u");
+  profile::UpdateUserProfile(L"ProxyPass", L"secret");
+  client_.LoadConfigurations();
+  ProxySettings settings;
+  EXPECT_EQ(client_.LoadProxySettings(settings), 0);
+  EXPECT_EQ(settings.Proxyenabled, 1);
+  EXPECT_TRUE(settings.httpopt_Item);
+  EXPECT_FALSE(settings.socksopt_Item);
+  EXPECT_EQ(settings.sPassword, L"secret");
+  ProxyBlock block = ProxyArguments(settings, L"r");
+  EXPECT_EQ(block.proxytype, 1);
+  EXPECT_EQ(block.proxyserverip, L"px");
+  settings.httpopt_Item = false;
+  EXPECT_EQ(ProxyArguments(settings, L"r").proxytype, 2);
+  settings.Proxyenabled = 0;
+  EXPECT_EQ(ProxyArguments(settings, L"r").proxyserverpwd, L"0");
+}
+
+TEST_F(ClsClientTest, GeneratedRandomNumberIsFiveGroupsOfOneTo255AndStored) {
+  for (int round = 0; round < 20; ++round) {
+    std::wstring number = client_.GenerateRandomNumber();
+    ASSERT_GE(number.size(), 5u);
+    ASSERT_LE(number.size(), 15u);
+    EXPECT_EQ(number.find_first_not_of(L"0123456789"), std::wstring::npos);
+    EXPECT_EQ(client_.GetMachineRandomNumber(), number);
+  }
+}
+
+TEST_F(ClsClientTest, RequestRandomFallsBackToStoredNumberThenToDoesNotExist) {
+  profile::UpdateUserProfile(L"random", L"");
+  EXPECT_EQ(RandomNumberForRequest(client_), L"Does not exist");
+  std::wstring stored = client_.GenerateRandomNumber();
+  EXPECT_EQ(RandomNumberForRequest(client_), stored);
+  profile::UpdateUserProfile(L"random", L"12345");
+  EXPECT_EQ(RandomNumberForRequest(client_), L"12345");
+}
+
+TEST(ExchangeFolder, TwoCallsInTheSameMillisecondGetTwoFolders) {
+  InstallFolder install;
+  install.clock().SetNow({2020, 1, 1, 9, 7, 5, 42});
+  std::wstring user = install.wpath() + platform::kPathSeparator + L"user";
+  std::wstring first = MakeExchangeFolder(user);
+  std::wstring second = MakeExchangeFolder(user);
+  const std::wstring sep(1, platform::kPathSeparator);
+  EXPECT_EQ(first, user + sep + L"Temp" + sep + L"9_07_05_042");
+  EXPECT_NE(second, first);
+  EXPECT_EQ(second.rfind(first, 0), 0u);
+  EXPECT_TRUE(std::filesystem::is_directory(platform::ToFsPath(second)));
+}
+
+}  // namespace
+}  // namespace tavrine::engine

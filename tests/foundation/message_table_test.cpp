@@ -1,0 +1,110 @@
+#include "foundation/message_table.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "foundation/language_text.h"
+#include "foundation/settings.h"
+#include "operations/ui_commands.h"
+#include "support/install_folder.h"
+
+namespace tavrine::foundation {
+namespace {
+
+using operations::UICommands;
+using testing::InstallFolder;
+
+TEST(MessageTable, HasEveryRowOnceAndNoneForTheGaps) {
+  std::set<int> codes;
+  for (std::size_t i = 0; i < MessageRowCount(); ++i) codes.insert(MessageRowAt(i).code);
+  EXPECT_EQ(codes.size(), MessageRowCount());
+  EXPECT_EQ(MessageRowCount(), 76u);
+  for (int missing : {-402, 12005, 0, 400, -399}) EXPECT_EQ(FindMessageRow(missing), nullptr);
+}
+
+TEST(MessageTable, TextsStandAsTheSystemWritesThem) {
+  InstallFolder install;
+  install.WriteStandardConfiguration();
+  struct Case {
+    int code;
+    const wchar_t* text;
+  } cases[] = {
+      {-405, L" Network failure"},
+      {-504, L"Network failure"},
+      {-401, L"Invalid  username"},
+      {-606, L"Error while sending  file block info"},
+      {-624, L"File creation failed in server "},
+      {-1001, L"The folder you have selected is read/write protected. Please choose other "
+              L"drive\\directory."},
+      {-403, L"Login failed. Reason: The requested operation has failed due to change of "
+             L"password in the website.\r\nPlease log out and log in with the new password to "
+             L"continue the operation."},
+      {401, L"Backup cancelled by  the user"},
+      {12006, L"Proxy does not suppport SOCKS 5"},
+      {-412, L"There are no contents to display in your TavrinE Online Backup account for this "
+             L"session."},
+  };
+  UICommands commands;
+  for (const auto& c : cases) {
+    std::wstring text = L"untouched";
+    EXPECT_EQ(commands.W_GetMessageString(c.code, text), 1) << c.code;
+    EXPECT_EQ(text, c.text) << c.code;
+  }
+}
+
+TEST(MessageTable, UnknownCodeLeavesTheTextAsItWas) {
+  InstallFolder install;
+  std::wstring text = L"before";
+  EXPECT_EQ(UICommands().W_GetMessageString(-402, text), 0);
+  EXPECT_EQ(text, L"before");
+}
+
+TEST(MessageTable, LocalizedTextWinsUnlessBlank) {
+  InstallFolder install;
+  install.WriteStandardConfiguration();
+  std::filesystem::create_directories(install.path() / "Lang");
+  testing::WriteFileBytes(install.path() / "Lang" / "English.ini",
+                          "[Strings]\r\n1319=Netzwerkfehler\r\n1312=   \r\n495=Wartung\r\n");
+  UICommands commands;
+  std::wstring text;
+  commands.W_GetMessageString(-504, text);
+  EXPECT_EQ(text, L"Netzwerkfehler");
+  commands.W_GetMessageString(-416, text);
+  EXPECT_EQ(text, L"Could not establish connection with server. Please try again later");
+  commands.W_GetMessageString(-509, text);
+  EXPECT_EQ(text, L"Wartung");
+  // Rows without a text number never look the language up.
+  testing::WriteFileBytes(install.path() / "Lang" / "English.ini", "[Strings]\r\n0=zero\r\n");
+  commands.W_GetMessageString(-511, text);
+  EXPECT_EQ(text, L"Cleanup is in progress");
+}
+
+TEST(MessageInfo, TitlesFollowTheTitleTable) {
+  InstallFolder install;
+  install.WriteStandardConfiguration();
+  UICommands commands;
+  struct Case {
+    int code;
+    long result;
+    const wchar_t* title;
+    short type;
+  } cases[] = {
+      {-415, 1, L"TavrinE Online Backup", 1},
+      {-412, 1, L"TavrinE Online Backup", 1},
+      {-12009, 1, L"TavrinE Online Backup failure", 1},
+      {-50, 1, L"TavrinE Online Backup failure", 1},
+      {-504, 0, L"", -1},
+      {12345, 0, L"", -1},
+  };
+  for (const auto& c : cases) {
+    std::wstring title = L"poison";
+    short type = 77;
+    EXPECT_EQ(commands.W_GetMessageInfo(c.code, title, type), c.result) << c.code;
+    EXPECT_EQ(title, c.title) << c.code;
+    EXPECT_EQ(type, c.type) << c.code;
+  }
+}
+
+}  // namespace
+}  // namespace tavrine::foundation

@@ -1,0 +1,145 @@
+#include "foundation/settings.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/code_page.h"
+#include "platform/path.h"
+#include "support/install_folder.h"
+
+namespace tavrine::foundation {
+namespace {
+
+using testing::InstallFolder;
+
+std::string Config(const std::string& product_info, const std::string& rest = "") {
+  return "[ProductInfo]\r\n" + product_info + rest;
+}
+
+constexpr const char* kCompleteProductInfo =
+    "ProductNumber=7\r\nProductName=Acme\r\nProductInstallationName=AcmeInst\r\n"
+    "ProductTreeViewName=Acme Tree\r\nLanguage=German\r\nProductCaption=Acme Backup\r\n"
+    "ExeGroup=Acme\r\n";
+
+TEST(LoadConfigurations, MissingFileLeavesEveryGlobalAlone) {
+  InstallFolder install;
+  CurrentSettings().product_name = L"Earlier";
+  CurrentSettings().caption = L"Earlier caption";
+  EXPECT_FALSE(LoadConfigurations());
+  EXPECT_EQ(CurrentSettings().product_name, L"Earlier");
+  EXPECT_EQ(CurrentSettings().caption, L"Earlier caption");
+}
+
+TEST(LoadConfigurations, CompleteFileFillsGlobalsAndDerivedTitles) {
+  InstallFolder install;
+  install.WriteConfiguration(Config(kCompleteProductInfo,
+                                    "[ConnectionInfo]\r\nDomainName=srv.example\r\n"
+                                    "IPAddress1=10.0.0.1\r\nIPAddress2=10.0.0.2\r\nPort=81\r\n"
+                                    "[WebLink]\r\nLoginLink=http://l\r\n"
+                                    "SignupLink=http://configured-signup\r\n"));
+  ASSERT_TRUE(LoadConfigurations());
+  const Settings& s = CurrentSettings();
+  EXPECT_EQ(s.product_number, 7);
+  EXPECT_EQ(s.product_name_copy, L"Acme");
+  EXPECT_EQ(s.language, L"German");
+  EXPECT_EQ(s.caption, L"Acme Backup");
+  EXPECT_EQ(s.client_program_name, L"AcmeClsClient.exe");
+  EXPECT_EQ(s.message_title, L"Acme Backup");
+  EXPECT_EQ(s.failure_title, L"Acme Backup failure");
+  EXPECT_EQ(s.logon_failure_title, L"Acme Backup logon failure");
+  EXPECT_EQ(s.current_host, L"srv.example");
+  EXPECT_EQ(s.current_address, L"10.0.0.1");
+  EXPECT_EQ(s.ip_address2, L"10.0.0.2");
+  EXPECT_EQ(s.port, L"81");
+  EXPECT_EQ(s.login_link, L"http://l");
+  // The configured sign-up link never reaches the dialogs.
+  EXPECT_EQ(s.signup_link, kFixedSignupLink);
+  EXPECT_EQ(s.engine_timeout_seconds, kDefaultEngineTimeoutSeconds);
+}
+
+struct ValidityCase {
+  const char* name;
+  std::string ini;
+  bool valid;
+  const wchar_t* caption;
+};
+
+TEST(LoadConfigurations, ValidityRules) {
+  const ValidityCase cases[] = {
+      {"Tavrin needs no caption",
+       Config("ProductNumber=1\r\nProductName=Tavrin\r\nProductInstallationName=I\r\n"
+              "ProductTreeViewName=T\r\nProductCaption=Ignored\r\n"),
+       true, L"Tavrin"},
+      {"other names need a caption",
+       Config("ProductNumber=1\r\nProductName=Other\r\nProductInstallationName=I\r\n"
+              "ProductTreeViewName=T\r\n"),
+       false, L""},
+      {"product number 0",
+       Config("ProductNumber=0\r\nProductName=Tavrin\r\nProductInstallationName=I\r\n"
+              "ProductTreeViewName=T\r\n"),
+       false, L"Tavrin"},
+      {"missing tree-view name",
+       Config("ProductNumber=3\r\nProductName=Tavrin\r\nProductInstallationName=I\r\n"), false,
+       L"Tavrin"},
+      {"missing installation name",
+       Config("ProductNumber=3\r\nProductName=Tavrin\r\nProductTreeViewName=T\r\n"), false,
+       L"Tavrin"},
+      {"values are trimmed",
+       Config("ProductNumber=  4 \r\nProductName=  Tavrin  \r\nProductInstallationName= I \r\n"
+              "ProductTreeViewName=\tT\r\n"),
+       true, L"Tavrin"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    InstallFolder install;
+    install.WriteConfiguration(c.ini);
+    EXPECT_EQ(LoadConfigurations(), c.valid);
+    EXPECT_EQ(CurrentSettings().caption, c.caption);
+  }
+}
+
+TEST(LoadConfigurations, NonNumericProductNumberKeepsTheEarlierOne) {
+  InstallFolder install;
+  CurrentSettings().product_number = 9;
+  install.WriteConfiguration(Config("ProductNumber=seven\r\nProductName=Tavrin\r\n"
+                                    "ProductInstallationName=I\r\nProductTreeViewName=T\r\n"));
+  EXPECT_TRUE(LoadConfigurations());
+  EXPECT_EQ(CurrentSettings().product_number, 9);
+}
+
+TEST(LoadConfigurations, ValueLongerThanTheReaderAllowsIsCut) {
+  InstallFolder install;
+  std::string long_name(3000, 'n');
+  install.WriteConfiguration(Config(kCompleteProductInfo, "[ConnectionInfo]\r\nDomainName=" +
+                                                              long_name + "\r\n"));
+  LoadConfigurations();
+  EXPECT_EQ(CurrentSettings().domain_name.size(), 2047u);
+}
+
+TEST(LoadConfigurations, EngineTimeoutIsConfigurable) {
+  InstallFolder install;
+  install.WriteConfiguration(
+      Config(kCompleteProductInfo, "[ConnectionInfo]\r\nEngineTimeoutSeconds=5\r\n"));
+  LoadConfigurations();
+  EXPECT_EQ(CurrentSettings().engine_timeout_seconds, 5u);
+  install.WriteConfiguration(
+      Config(kCompleteProductInfo, "[ConnectionInfo]\r\nEngineTimeoutSeconds=-3\r\n"));
+  LoadConfigurations();
+  EXPECT_EQ(CurrentSettings().engine_timeout_seconds, kDefaultEngineTimeoutSeconds);
+}
+
+TEST(ComputeWorkRoot, FollowsVirtualPathAndEndsInASeparator) {
+  InstallFolder install;
+  const std::wstring sep(1, platform::kPathSeparator);
+  EXPECT_EQ(ComputeWorkRoot(), install.wpath() + sep);
+
+  install.WriteUserNameIni("[Registry]\r\nVirtualPath=  " +
+                           platform::WideToAnsi(install.wpath() + sep + L"vroot") + "  \r\n");
+  EXPECT_EQ(ComputeWorkRoot(), install.wpath() + sep + L"vroot" + sep);
+
+  install.WriteUserNameIni("[Registry]\r\nVirtualPath=" +
+                           platform::WideToAnsi(install.wpath() + sep + L"v2" + sep) + "\r\n");
+  EXPECT_EQ(ComputeWorkRoot(), install.wpath() + sep + L"v2" + sep);
+}
+
+}  // namespace
+}  // namespace tavrine::foundation

@@ -1,0 +1,100 @@
+#include "foundation/trace_log.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "foundation/settings.h"
+#include "platform/code_page.h"
+#include "platform/path.h"
+#include "support/install_folder.h"
+
+namespace tavrine::foundation {
+namespace {
+
+using testing::InstallFolder;
+using testing::ReadFileBytes;
+
+std::filesystem::path LogFile(const InstallFolder& install, const std::string& name) {
+  return install.path() / "Log" / name;
+}
+
+TEST(Trace, FirstEntryCreatesTheLogFolderAndDatesTheLine) {
+  InstallFolder install;
+  install.WriteStandardConfiguration();
+  install.clock().SetNow({2011, 7, 4, 18, 5, 9, 0});
+  Trace(L"hello");
+  EXPECT_EQ(ReadFileBytes(LogFile(install, "TavrinEUI.txt")), "07-04-2011 18:05:09 hello\r\n");
+}
+
+TEST(Trace, EntriesAppendInOrderAndAnEmptyMessageKeepsItsBlank) {
+  InstallFolder install;
+  install.WriteStandardConfiguration();
+  install.clock().SetNow({2024, 12, 31, 3, 4, 5, 0});
+  Trace(L"first");
+  Trace(L"");
+  Trace(L"third");
+  EXPECT_EQ(ReadFileBytes(LogFile(install, "TavrinEUI.txt")),
+            "12-31-2024 03:04:05 first\r\n12-31-2024 03:04:05 \r\n12-31-2024 03:04:05 third\r\n");
+}
+
+TEST(Trace, WithoutConfigurationTheFileIsJustUiTxt) {
+  InstallFolder install;
+  Trace(L"x");
+  EXPECT_FALSE(ReadFileBytes(LogFile(install, "UI.txt")).empty());
+}
+
+TEST(Trace, InstallationNameIsReadAfreshOnEveryWrite) {
+  InstallFolder install;
+  install.WriteStandardConfiguration();
+  ASSERT_TRUE(LoadConfigurations());
+  install.WriteConfiguration("[ProductInfo]\r\nProductInstallationName=Other\r\n");
+  Trace(L"x");
+  EXPECT_FALSE(ReadFileBytes(LogFile(install, "OtherUI.txt")).empty());
+}
+
+TEST(Trace, FollowsTheVirtualPathWorkRoot) {
+  InstallFolder install;
+  std::filesystem::create_directories(install.path() / "root");
+  install.WriteUserNameIni("[Registry]\r\nVirtualPath=" +
+                           platform::WideToAnsi(platform::FromFsPath(install.path() / "root")) +
+                           "\r\n");
+  Trace(L"x");
+  EXPECT_FALSE(ReadFileBytes(install.path() / "root" / "Log" / "UI.txt").empty());
+}
+
+TEST(Trace, ExceptionLinesCarryTheirPrefixes) {
+  InstallFolder install;
+  install.clock().SetNow({2011, 1, 2, 3, 4, 5, 0});
+  TraceException(L"API_GetQuota", L"boom");
+  TraceException(L"clsClient", L"WriteDLLInputFile", L"File not found");
+  TraceException(L"API_REMOTE", L"");
+  EXPECT_EQ(ReadFileBytes(LogFile(install, "UI.txt")),
+            "01-02-2011 03:04:05 [EXCEPTION] API_GetQuota() : boom\r\n"
+            "01-02-2011 03:04:05 [EXCEPTION] clsClient :: WriteDLLInputFile() : File not found\r\n"
+            "01-02-2011 03:04:05 [EXCEPTION] API_REMOTE() : \r\n");
+}
+
+TEST(Trace, AnUnwritableLogIsLostSilently) {
+  InstallFolder install;
+  // A file where the Log folder should be: nothing can be created below it.
+  testing::WriteFileBytes(install.path() / "Log", "not a folder");
+  EXPECT_NO_THROW(Trace(L"lost"));
+  EXPECT_EQ(ReadFileBytes(install.path() / "Log"), "not a folder");
+}
+
+TEST(DescribeCurrentException, UsesTheRuntimeDescription) {
+  try {
+    throw std::runtime_error("disk full");
+  } catch (...) {
+    EXPECT_EQ(DescribeCurrentException(), L"disk full");
+  }
+  try {
+    throw 42;
+  } catch (...) {
+    EXPECT_EQ(DescribeCurrentException(), L"Unknown error");
+  }
+}
+
+}  // namespace
+}  // namespace tavrine::foundation

@@ -1,0 +1,171 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "foundation/settings.h"
+#include "operations/cls_api_interface.h"
+#include "operations/ui_commands.h"
+#include "platform/path.h"
+#include "profile/profile_store.h"
+#include "session_fixture.h"
+
+namespace tavrine::operations {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::EngineScenario;
+using testing::SessionTest;
+
+using Listing = SessionTest;
+
+TEST_F(Listing, CancelMarkerBeforeTheCallStartsNothing) {
+  std::wstring folder = CallerFolder(L"list");
+  testing::WriteFileBytes(platform::ToFsPath(folder) / "cancel.txt", "");
+  EXPECT_EQ(clsAPI_Interface().API_REMOTE(folder), -1);
+  EXPECT_TRUE(install_.Journal().empty());
+}
+
+TEST_F(Listing, ZeroBecomes402WithAListingAndMinus412Without) {
+  install_.SetScenario(EngineScenario()
+                           .On(115)
+                           .Output(0)
+                           .WithFile("Backupfile.txt", "listing")
+                           .Then()
+                           .Output(0));
+  std::wstring with_listing = CallerFolder(L"a b");
+  EXPECT_EQ(clsAPI_Interface().API_REMOTE(with_listing), 402);
+  EXPECT_TRUE(fs::exists(platform::ToFsPath(with_listing) / "Backupfile.txt"));
+  EXPECT_FALSE(fs::exists(platform::ToFsPath(with_listing) / "DLLInput.txt"));
+  EXPECT_EQ(clsAPI_Interface().API_REMOTE(CallerFolder(L"empty")), -412);
+  EXPECT_TRUE(ui_.boxes().empty());
+}
+
+TEST_F(Listing, TenTransientAnswersEndWithTheConnectionFailureBox) {
+  install_.SetScenario(EngineScenario().On(115).Info(-416));
+  EXPECT_EQ(clsAPI_Interface().API_REMOTE(CallerFolder(L"busy")), -416);
+  EXPECT_EQ(install_.Journal().size(), 10u);
+  EXPECT_EQ(clock_.CountPauses(1000), 10u);
+  ASSERT_EQ(ui_.boxes().size(), 1u);
+  EXPECT_EQ(ui_.boxes()[0].text, L"Unable to connect to the server. Try later.");
+  EXPECT_EQ(ui_.boxes()[0].title, L"TavrinE Online Backup failure");
+}
+
+TEST_F(Listing, UnregisteredMachineReturns401UnlessRenewalIsPermitted) {
+  install_.SetScenario(EngineScenario().On(115).Info(-505));
+  EXPECT_EQ(clsAPI_Interface().API_REMOTE(CallerFolder(L"m1")), 401);
+  EXPECT_EQ(install_.Journal().size(), 1u);
+
+  install_.SetScenario(EngineScenario()
+                           .On(115).Info(-505).Then().Output(0).WithFile("Backupfile.txt", "x")
+                           .On(5).Output(404));
+  foundation::CurrentSettings().renew_random_permitted = true;
+  clock_.ClearPauses();
+  EXPECT_EQ(clsAPI_Interface().API_REMOTE(CallerFolder(L"m2")), 402);
+  std::vector<int> codes;
+  for (const auto& run : install_.Journal()) codes.push_back(run.code.value_or(-1));
+  EXPECT_EQ(codes, (std::vector<int>{115, 115, 5, 115}));
+  EXPECT_EQ(clock_.CountPauses(500), 1u);
+}
+
+TEST_F(Listing, CancelDuringTheRunTerminatesTheEngine) {
+  install_.SetScenario(EngineScenario().On(115).Hang());
+  std::wstring folder = CallerFolder(L"cancel me");
+  // The marker appears while the engine hangs, as the shell side's cancel does.
+  std::thread canceller([path = platform::ToFsPath(folder) / "cancel.txt"] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    testing::WriteFileBytes(path, "");
+  });
+  auto started = std::chrono::steady_clock::now();
+  EXPECT_EQ(clsAPI_Interface().API_REMOTE(folder), -1);
+  canceller.join();
+  EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(10));
+}
+
+TEST_F(Listing, AnEngineThatLeavesNoResultEndsWithMinusOne) {
+  install_.SetScenario(EngineScenario().On(115).Crash());
+  EXPECT_EQ(clsAPI_Interface().API_REMOTE(CallerFolder(L"crash")), -1);
+  EXPECT_EQ(clock_.CountPauses(100), 100u);
+  EXPECT_NE(TraceText().find("API_REMOTE :: the engine left no result"), std::string::npos);
+}
+
+using Quota = SessionTest;
+
+TEST_F(Quota, FiguresComeFromQuotaTxtAndTheFolderIsRemoved) {
+  install_.SetScenario(EngineScenario().On(114).Output(402).WithFile(
+      "Quota.txt", "1073741824\r\n2147483648\r\n"));
+  double max_size = 5, used = 5;
+  EXPECT_EQ(clsAPI_Interface().API_GetQuota(max_size, used), 0);
+  EXPECT_EQ(used, 1073741824.0);
+  EXPECT_EQ(max_size, 2147483648.0);
+  auto runs = install_.Journal();
+  ASSERT_EQ(runs.size(), 1u);
+  EXPECT_EQ(runs[0].program, L"TavrinEClsClient.exe");
+  EXPECT_FALSE(fs::exists(platform::ToFsPath(runs[0].folder)));
+}
+
+TEST_F(Quota, OneLineQuotaLeavesMaxAtZeroAndNoFileGivesMinusOne) {
+  install_.SetScenario(EngineScenario().On(114).Output(1).WithFile("Quota.txt", "42\r\n")
+                           .Then().Output(1));
+  double max_size = 5, used = 5;
+  clsAPI_Interface().API_GetQuota(max_size, used);
+  EXPECT_EQ(used, 42.0);
+  EXPECT_EQ(max_size, 0.0);
+  clsAPI_Interface().API_GetQuota(max_size, used);
+  EXPECT_EQ(used, -1.0);
+  EXPECT_EQ(max_size, 0.0);
+}
+
+TEST_F(Quota, FourBusyAnswersShowTheConnectionBoxAndDropLoginProgress) {
+  install_.SetScenario(EngineScenario().On(114).Info(-416));
+  fs::create_directories(platform::ToFsPath(UserFolder()));
+  testing::WriteFileBytes(platform::ToFsPath(UserFolder()) / "LoginProgress.txt", "1");
+  double max_size = 5, used = 5;
+  EXPECT_EQ(clsAPI_Interface().API_GetQuota(max_size, used), 0);
+  EXPECT_EQ(install_.Journal().size(), 4u);
+  EXPECT_TRUE(clock_.pauses().empty());
+  EXPECT_EQ(max_size, 5.0);
+  ASSERT_EQ(ui_.boxes().size(), 1u);
+  EXPECT_EQ(ui_.boxes()[0].text, L"Unable to connect to the server. Try later.");
+  EXPECT_FALSE(fs::exists(platform::ToFsPath(UserFolder()) / "LoginProgress.txt"));
+}
+
+TEST_F(Quota, NetworkFailureLogsInAgainAndRetries) {
+  install_.SetScenario(EngineScenario()
+                           .On(114).Info(-504).Then().Output(1).WithFile("Quota.txt", "1\r\n2\r\n")
+                           .On(116).Output(402));
+  double max_size = 0, used = 0;
+  clsAPI_Interface().API_GetQuota(max_size, used);
+  std::vector<int> codes;
+  for (const auto& run : install_.Journal()) codes.push_back(run.code.value_or(-1));
+  EXPECT_EQ(codes, (std::vector<int>{114, 116, 114}));
+  EXPECT_EQ(clock_.CountPauses(100), 1u);
+  EXPECT_EQ(max_size, 2.0);
+}
+
+TEST_F(Quota, ChangedPasswordShowsItsBox) {
+  install_.SetScenario(EngineScenario().On(114).Info(-403));
+  double max_size = 0, used = 0;
+  clsAPI_Interface().API_GetQuota(max_size, used);
+  ASSERT_EQ(ui_.boxes().size(), 1u);
+  EXPECT_EQ(ui_.boxes()[0].title, L"TavrinE Online Backup failure");
+  EXPECT_NE(ui_.boxes()[0].text.find(L"website.Please log out"), std::wstring::npos);
+}
+
+TEST_F(Quota, FreePlanFlagFollowsTheExactQuota) {
+  struct Case {
+    const char* quota;
+    const wchar_t* freeuser;
+  } cases[] = {{"2147483648", L"1"}, {"2147483649", L"0"}, {"12884901888", L"1"},
+               {"161061273600", L"1"}, {"5368709120", L"0"}};
+  for (const auto& c : cases) {
+    install_.SetScenario(EngineScenario().On(114).Output(1).WithFile(
+        "Quota.txt", std::string("10\r\n") + c.quota + "\r\n"));
+    double max_size = 0, used = 0;
+    UICommands().W_GetQuota_Command(max_size, used);
+    EXPECT_EQ(profile::GetUserProfile(L"freeuser"), c.freeuser) << c.quota;
+  }
+}
+
+}  // namespace
+}  // namespace tavrine::operations

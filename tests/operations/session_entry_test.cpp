@@ -1,0 +1,129 @@
+#include <gtest/gtest.h>
+
+#include "engine/engine_run.h"
+#include "operations/cls_api_interface.h"
+#include "platform/path.h"
+#include "profile/profile_store.h"
+#include "session_fixture.h"
+
+namespace tavrine::operations {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::EngineScenario;
+using testing::SessionTest;
+
+std::size_t CountFolders(const std::wstring& folder) {
+  std::error_code ignored;
+  if (!fs::is_directory(platform::ToFsPath(folder), ignored)) return 0;
+  return static_cast<std::size_t>(std::distance(fs::directory_iterator(platform::ToFsPath(folder)),
+                                                fs::directory_iterator()));
+}
+
+// Line 6 of a request file: the random-number field.
+std::string RequestLine(const std::string& utf16_request, int line_number) {
+  std::string text;
+  for (std::size_t i = 2; i + 1 < utf16_request.size(); i += 2) text += utf16_request[i];
+  std::size_t start = 0;
+  for (int line = 1; line < line_number; ++line) start = text.find("\r\n", start) + 2;
+  return text.substr(start, text.find("\r\n", start) - start);
+}
+
+using SilentLogin = SessionTest;
+
+TEST_F(SilentLogin, TransientAnswersAreRetriedTenTimesThenTheFolderIsRemoved) {
+  install_.SetScenario(EngineScenario().On(116).Info(-12009));
+  EXPECT_EQ(clsAPI_Interface().API_AutoReconnect(), -12009);
+  auto runs = install_.Journal();
+  ASSERT_EQ(runs.size(), 10u);
+  for (const auto& run : runs) {
+    EXPECT_EQ(run.code, 116);
+    EXPECT_EQ(run.program, L"TavrinEClsClient.exe");
+    ASSERT_TRUE(run.request.has_value());
+    EXPECT_EQ(RequestLine(*run.request, 6), "MACHINECODEREADONLY");
+  }
+  EXPECT_EQ(clock_.CountPauses(2000), 9u);
+  EXPECT_EQ(CountFolders(TempRoot()), 0u);
+  EXPECT_TRUE(ui_.boxes().empty());
+}
+
+TEST_F(SilentLogin, CleanupInProgressStopsAtOnceWithOneBox) {
+  install_.SetScenario(EngineScenario().On(116).Info(-511));
+  EXPECT_EQ(clsAPI_Interface().API_AutoReconnect(), -511);
+  EXPECT_EQ(install_.Journal().size(), 1u);
+  ASSERT_EQ(ui_.boxes().size(), 1u);
+  EXPECT_EQ(ui_.boxes()[0].text, L"TavrinE login failure");
+  EXPECT_EQ(ui_.boxes()[0].title, L"TavrinE Online Backup");
+  EXPECT_EQ(ui_.boxes()[0].style, platform::kMbIconStop);
+}
+
+TEST_F(SilentLogin, SuccessTakesOverTheReportedServerEvenWithoutAPort) {
+  install_.SetScenario(EngineScenario().On(116).Info(-416).Then().Output(402).WithFile(
+      "DLLOutput1.txt", "10.20.30.40\r\n"));
+  EXPECT_EQ(clsAPI_Interface().API_AutoMultipleServerSupport(), 402);
+  EXPECT_EQ(install_.Journal().size(), 2u);
+  EXPECT_EQ(clock_.CountPauses(2000), 1u);
+  EXPECT_EQ(profile::GetUserProfile(L"serverip"), L"10.20.30.40");
+  EXPECT_EQ(profile::GetUserProfile(L"port"), L"");
+  // The success path leaves its folder, without the request.
+  ASSERT_EQ(CountFolders(TempRoot()), 1u);
+}
+
+TEST_F(SilentLogin, AnEngineThatCannotStartCountsAsNoAnswer) {
+  fs::remove(install_.path() / "TavrinEClsClient.exe");
+  EXPECT_EQ(clsAPI_Interface().API_AutoReconnect(), 0);
+  EXPECT_EQ(clock_.CountPauses(2000), 9u);
+  EXPECT_NE(TraceText().find("Engine could not be started"), std::string::npos);
+}
+
+using UpdateRandom = SessionTest;
+
+TEST_F(UpdateRandom, StoresTheNewNumberWhateverTheAnswerBut416) {
+  install_.SetScenario(EngineScenario().On(5).Info(-401));
+  profile::UpdateUserProfile(L"random", L"old");
+  EXPECT_EQ(clsAPI_Interface().API_UPDATE_RAND_NUM(), -401);
+  auto runs = install_.Journal();
+  ASSERT_EQ(runs.size(), 1u);
+  std::string sent = RequestLine(*runs[0].request, 6);
+  EXPECT_NE(sent, "old");
+  EXPECT_EQ(platform::WideToUtf8(profile::GetUserProfile(L"random")), sent);
+  EXPECT_EQ(CountFolders(TempRoot()), 0u);
+}
+
+TEST_F(UpdateRandom, FourBusyAnswersStoreNothing) {
+  install_.SetScenario(EngineScenario().On(5).Info(-416));
+  profile::UpdateUserProfile(L"random", L"old");
+  EXPECT_EQ(clsAPI_Interface().API_UPDATE_RAND_NUM(), -416);
+  EXPECT_EQ(install_.Journal().size(), 4u);
+  EXPECT_TRUE(clock_.pauses().empty());
+  EXPECT_EQ(profile::GetUserProfile(L"random"), L"old");
+}
+
+using Entry = SessionTest;
+
+TEST_F(Entry, StartsTheLoginRunInTheCallersFolderAndReturnsAtOnce) {
+  install_.SetScenario(EngineScenario().On(110).Output(900));
+  std::wstring folder = CallerFolder(L"entry folder");
+  std::int16_t completed = 0;
+  std::int32_t handle = clsAPI_Interface().API_ENTRY(folder, completed);
+  EXPECT_NE(handle, -1);
+  EXPECT_EQ(completed, 1);
+  // The caller waits; here the journal shows when the engine has run.
+  for (int i = 0; i < 200 && install_.Journal().empty(); ++i) {
+    platform::SystemClock().Sleep(50);
+  }
+  auto runs = install_.Journal();
+  ASSERT_EQ(runs.size(), 1u);
+  EXPECT_EQ(runs[0].params, engine::EngineParameters(110, folder));
+  EXPECT_EQ(RequestLine(*runs[0].request, 6), "Does not exist");
+}
+
+TEST_F(Entry, MissingEngineGivesMinusOne) {
+  fs::remove(install_.path() / "TavrinEClsClient.exe");
+  std::int16_t completed = 0;
+  EXPECT_EQ(clsAPI_Interface().API_ENTRY(CallerFolder(L"f"), completed), -1);
+  EXPECT_EQ(completed, 1);
+}
+
+}  // namespace
+}  // namespace tavrine::operations

@@ -1,0 +1,34 @@
+#pragma once
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+#include "foundation/settings.h"
+#include "platform/services.h"
+#include "support/engine_harness.h"
+#include "support/fake_clock.h"
+#include "support/recording_ui.h"
+
+namespace tavrine::testing {
+
+// An install folder with the reference engine under both of its names, a
+// complete configuration, a logged-in user "alice", a fake clock and recorded boxes.
+class SessionTest : public ::testing::Test {
+ protected:
+  SessionTest();
+  void SetUp() override;
+
+  std::wstring UserFolder() const;
+  std::wstring TempRoot() const;
+  // A caller-made exchange folder, as the shell side makes it.
+  std::wstring CallerFolder(const std::wstring& name);
+  std::string TraceText() const;
+
+  EngineInstall install_;
+  FakeClock clock_;
+  RecordingUi ui_;
+  std::optional<platform::ScopedServices> seams_;
+};
+
+}  // namespace tavrine::testing

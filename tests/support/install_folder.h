@@ -1,0 +1,37 @@
+#pragma once
+#include <filesystem>
+#include <string>
+
+#include "platform/services.h"
+#include "support/fake_clock.h"
+#include "support/recording_ui.h"
+#include "support/temp_folder.h"
+
+namespace tavrine::testing {
+
+// A throw-away library folder with fake clock and recorded message boxes,
+// installed as the current thread's seams for the life of the object.
+class InstallFolder {
+ public:
+  InstallFolder();
+
+  const std::filesystem::path& path() const { return folder_.path(); }
+  std::wstring wpath() const { return folder_.wpath(); }
+  FakeClock& clock() { return clock_; }
+  RecordingUi& ui() { return ui_; }
+
+  void WriteConfiguration(const std::string& ini_text);
+  // A complete configuration: product "TavrinE", installation "TavrinE", ExeGroup "TavrinE".
+  void WriteStandardConfiguration();
+  void WriteUserNameIni(const std::string& ini_text);
+  // The work root folder (VirtualPath) as the library computes it, with its separator.
+  std::wstring WorkRoot() const;
+
+ private:
+  TempFolder folder_;
+  FakeClock clock_;
+  RecordingUi ui_;
+  platform::ScopedServices services_;
+};
+
+}  // namespace tavrine::testing
