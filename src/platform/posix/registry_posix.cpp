@@ -1,0 +1,407 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <mutex>
+#include <string_view>
+#include <system_error>
+
+#include "platform/path.h"
+#include "platform/registry.h"
+
+namespace tavrine::platform {
+
+namespace {
+
+// The file format: one "[key path]" line per key, then "name=data" lines.
+// Names and data are UTF-8 with the characters that would break a line or
+// the format written as %XX; DWORD data is "#dword:<decimal>" (a string
+// never starts with a raw '#', it is escaped).
+constexpr std::wstring_view kDwordPrefix = L"#dword:";
+
+struct Value {
+  std::wstring name;
+  std::wstring data;  // escaped form's meaning: string text, or kDwordPrefix + number
+};
+
+struct Key {
+  std::wstring path;
+  std::vector<Value> values;
+};
+
+using Tree = std::vector<Key>;
+
+// Simple case folding close to the registry's: ASCII, Latin-1, Latin
+// Extended-A pairs, Greek and Cyrillic capitals.
+wchar_t Fold(wchar_t c) {
+  auto v = static_cast<std::uint32_t>(c);
+  if (v >= L'A' && v <= L'Z') return static_cast<wchar_t>(v + 32);
+  if (v >= 0xC0 && v <= 0xDE && v != 0xD7) return static_cast<wchar_t>(v + 32);
+  if (v == 0x178) return static_cast<wchar_t>(0xFF);
+  if (v >= 0x100 && v <= 0x17E && v != 0x130 && v != 0x131 && v != 0x138 && v != 0x149) {
+    bool odd_is_upper = (v >= 0x139 && v <= 0x148) || (v >= 0x179 && v <= 0x17E);
+    bool lower = odd_is_upper ? (v % 2 == 0) : (v % 2 == 1);
+    return lower ? c : static_cast<wchar_t>(v + 1);
+  }
+  if (v >= 0x391 && v <= 0x3A9 && v != 0x3A2) return static_cast<wchar_t>(v + 32);
+  if (v >= 0x410 && v <= 0x42F) return static_cast<wchar_t>(v + 32);
+  if (v >= 0x400 && v <= 0x40F) return static_cast<wchar_t>(v + 80);
+  return c;
+}
+
+bool SameName(std::wstring_view a, std::wstring_view b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (Fold(a[i]) != Fold(b[i])) return false;
+  }
+  return true;
+}
+
+// Leading and trailing backslashes dropped; nullopt for an empty segment.
+std::optional<std::wstring> NormalizeKeyPath(const std::wstring& path) {
+  std::size_t begin = path.find_first_not_of(L'\\');
+  if (begin == std::wstring::npos) return std::wstring();
+  std::size_t end = path.find_last_not_of(L'\\');
+  std::wstring trimmed = path.substr(begin, end - begin + 1);
+  if (trimmed.find(L"\\\\") != std::wstring::npos) return std::nullopt;
+  return trimmed;
+}
+
+// The part of `key` below `ancestor` (without the separator), or nullopt when
+// `key` is not strictly below it.
+std::optional<std::wstring> RelativeBelow(const std::wstring& key, const std::wstring& ancestor) {
+  if (ancestor.empty()) {
+    if (key.empty()) return std::nullopt;
+    return key;
+  }
+  if (key.size() <= ancestor.size() + 1 || key[ancestor.size()] != L'\\') return std::nullopt;
+  if (!SameName(std::wstring_view(key).substr(0, ancestor.size()), ancestor)) return std::nullopt;
+  return key.substr(ancestor.size() + 1);
+}
+
+bool NeedsEscape(wchar_t c) {
+  return c < 0x20 || c == 0x7F || c == L'%' || c == L'=' || c == L'[' || c == L']' ||
+         c == L'#' || c == L';';
+}
+
+std::wstring Escape(std::wstring_view text) {
+  static constexpr wchar_t kHex[] = L"0123456789ABCDEF";
+  std::wstring out;
+  out.reserve(text.size());
+  for (wchar_t c : text) {
+    if (NeedsEscape(c)) {
+      auto v = static_cast<unsigned>(c);
+      out += L'%';
+      out += kHex[(v >> 4) & 0xF];
+      out += kHex[v & 0xF];
+    } else {
+      out += c;
+    }
+  }
+  return out;
+}
+
+int HexDigit(wchar_t c) {
+  if (c >= L'0' && c <= L'9') return c - L'0';
+  if (c >= L'A' && c <= L'F') return c - L'A' + 10;
+  if (c >= L'a' && c <= L'f') return c - L'a' + 10;
+  return -1;
+}
+
+std::wstring Unescape(std::wstring_view text) {
+  std::wstring out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == L'%' && i + 2 < text.size() && HexDigit(text[i + 1]) >= 0 &&
+        HexDigit(text[i + 2]) >= 0) {
+      out += static_cast<wchar_t>(HexDigit(text[i + 1]) * 16 + HexDigit(text[i + 2]));
+      i += 2;
+    } else {
+      out += text[i];
+    }
+  }
+  return out;
+}
+
+Key* FindKey(Tree& tree, const std::wstring& path) {
+  for (Key& key : tree) {
+    if (SameName(key.path, path)) return &key;
+  }
+  return nullptr;
+}
+
+Value* FindValue(Key& key, const std::wstring& name) {
+  for (Value& value : key.values) {
+    if (SameName(value.name, name)) return &value;
+  }
+  return nullptr;
+}
+
+// Lenient: anything that is not a section or a "name=data" line is skipped,
+// so a damaged file reads as whatever can still be recognised.
+Tree Parse(std::string_view bytes) {
+  if (bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
+  Tree tree;
+  Key* current = nullptr;
+  std::size_t start = 0;
+  while (start < bytes.size()) {
+    std::size_t end = bytes.find('\n', start);
+    if (end == std::string_view::npos) end = bytes.size();
+    std::string_view line = bytes.substr(start, end - start);
+    start = end + 1;
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    if (line.empty()) continue;
+    std::wstring text = Utf8ToWide(line);
+    if (text.front() == L'[' && text.back() == L']' && text.size() >= 2) {
+      std::optional<std::wstring> path =
+          NormalizeKeyPath(Unescape(std::wstring_view(text).substr(1, text.size() - 2)));
+      current = nullptr;
+      if (!path) continue;
+      current = FindKey(tree, *path);
+      if (!current) current = &tree.emplace_back(Key{*path, {}});
+      continue;
+    }
+    std::size_t equals = text.find(L'=');
+    if (!current || equals == std::wstring::npos) continue;
+    std::wstring name = Unescape(std::wstring_view(text).substr(0, equals));
+    if (FindValue(*current, name)) continue;  // first one wins
+    std::wstring_view raw = std::wstring_view(text).substr(equals + 1);
+    std::wstring data = raw.substr(0, kDwordPrefix.size()) == kDwordPrefix ? std::wstring(raw)
+                                                                          : Unescape(raw);
+    current->values.push_back(Value{std::move(name), std::move(data)});
+  }
+  return tree;
+}
+
+bool IsDword(const Value& value) {
+  return std::wstring_view(value.data).substr(0, kDwordPrefix.size()) == kDwordPrefix;
+}
+
+std::string Serialize(const Tree& tree) {
+  std::wstring text;
+  for (const Key& key : tree) {
+    text += L'[' + Escape(key.path) + L"]\n";
+    for (const Value& value : key.values) {
+      text += Escape(value.name) + L'=' + (IsDword(value) ? value.data : Escape(value.data)) +
+              L'\n';
+    }
+  }
+  return WideToUtf8(text);
+}
+
+class UniqueFd {
+ public:
+  explicit UniqueFd(int fd) : fd_(fd) {}
+  ~UniqueFd() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+  UniqueFd(const UniqueFd&) = delete;
+  UniqueFd& operator=(const UniqueFd&) = delete;
+  int get() const { return fd_; }
+  // Closes now and reports whether the close succeeded.
+  bool Close() {
+    int fd = fd_;
+    fd_ = -1;
+    return fd < 0 || ::close(fd) == 0;
+  }
+
+ private:
+  int fd_;
+};
+
+bool WriteAll(int fd, std::string_view bytes) {
+  while (!bytes.empty()) {
+    ssize_t written = ::write(fd, bytes.data(), bytes.size());
+    if (written < 0) {
+      if (errno == EINTR) continue;
+      return false;
+    }
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+// Every read-modify-write of a store file in this process runs under this lock.
+std::mutex& StoreMutex() {
+  static std::mutex mutex;
+  return mutex;
+}
+
+class FileRegistry final : public Registry {
+ public:
+  explicit FileRegistry(const std::wstring& file) : file_(ToFsPath(file)), usable_(!file.empty()) {}
+
+  std::optional<std::wstring> ReadString(const std::wstring& key_path,
+                                         const std::wstring& name) override {
+    std::optional<Value> value = Find(key_path, name);
+    if (!value || IsDword(*value)) return std::nullopt;
+    return value->data;
+  }
+
+  bool WriteString(const std::wstring& key_path, const std::wstring& name,
+                   const std::wstring& value) override {
+    return Set(key_path, name, value);
+  }
+
+  std::optional<std::uint32_t> ReadDword(const std::wstring& key_path,
+                                         const std::wstring& name) override {
+    std::optional<Value> value = Find(key_path, name);
+    if (!value || !IsDword(*value)) return std::nullopt;
+    try {
+      std::size_t used = 0;
+      std::wstring digits = value->data.substr(kDwordPrefix.size());
+      unsigned long number = std::stoul(digits, &used);
+      if (used != digits.size() || number > 0xFFFFFFFFul) return std::nullopt;
+      return static_cast<std::uint32_t>(number);
+    } catch (...) {
+      return std::nullopt;
+    }
+  }
+
+  bool WriteDword(const std::wstring& key_path, const std::wstring& name,
+                  std::uint32_t value) override {
+    return Set(key_path, name, std::wstring(kDwordPrefix) + std::to_wstring(value));
+  }
+
+  bool DeleteValue(const std::wstring& key_path, const std::wstring& name) override {
+    std::optional<std::wstring> path = NormalizeKeyPath(key_path);
+    if (!path) return false;
+    return Modify([&](Tree& tree) {
+      Key* key = FindKey(tree, *path);
+      if (!key) return false;
+      std::erase_if(key->values, [&](const Value& v) { return SameName(v.name, name); });
+      return true;
+    });
+  }
+
+  bool DeleteKeyTree(const std::wstring& key_path) override {
+    std::optional<std::wstring> path = NormalizeKeyPath(key_path);
+    if (!path) return false;
+    return Modify([&](Tree& tree) {
+      std::size_t before = tree.size();
+      std::erase_if(tree, [&](const Key& key) {
+        return SameName(key.path, *path) || RelativeBelow(key.path, *path).has_value();
+      });
+      return tree.size() != before;
+    });
+  }
+
+  bool KeyExists(const std::wstring& key_path) override {
+    std::optional<std::wstring> path = NormalizeKeyPath(key_path);
+    if (!path) return false;
+    for (const Key& key : Load()) {
+      if (SameName(key.path, *path) || RelativeBelow(key.path, *path)) return true;
+    }
+    return false;
+  }
+
+  std::vector<std::wstring> ListSubkeys(const std::wstring& key_path) override {
+    std::vector<std::wstring> names;
+    std::optional<std::wstring> path = NormalizeKeyPath(key_path);
+    if (!path) return names;
+    for (const Key& key : Load()) {
+      std::optional<std::wstring> below = RelativeBelow(key.path, *path);
+      if (!below) continue;
+      std::wstring child = below->substr(0, below->find(L'\\'));
+      bool known = false;
+      for (const std::wstring& name : names) known = known || SameName(name, child);
+      if (!known) names.push_back(child);
+    }
+    return names;
+  }
+
+  std::vector<std::wstring> ListValues(const std::wstring& key_path) override {
+    std::vector<std::wstring> names;
+    std::optional<std::wstring> path = NormalizeKeyPath(key_path);
+    if (!path) return names;
+    Tree tree = Load();
+    if (Key* key = FindKey(tree, *path)) {
+      for (const Value& value : key->values) names.push_back(value.name);
+    }
+    return names;
+  }
+
+ private:
+  Tree Load() {
+    if (!usable_) return {};
+    std::lock_guard lock(StoreMutex());
+    return LoadUnlocked();
+  }
+
+  Tree LoadUnlocked() const {
+    std::ifstream in(file_, std::ios::binary);
+    if (!in) return {};
+    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    return Parse(bytes);
+  }
+
+  std::optional<Value> Find(const std::wstring& key_path, const std::wstring& name) {
+    std::optional<std::wstring> path = NormalizeKeyPath(key_path);
+    if (!path) return std::nullopt;
+    Tree tree = Load();
+    Key* key = FindKey(tree, *path);
+    if (!key) return std::nullopt;
+    Value* value = FindValue(*key, name);
+    if (!value) return std::nullopt;
+    return *value;
+  }
+
+  bool Set(const std::wstring& key_path, const std::wstring& name, const std::wstring& data) {
+    std::optional<std::wstring> path = NormalizeKeyPath(key_path);
+    if (!path) return false;
+    return Modify([&](Tree& tree) {
+      Key* key = FindKey(tree, *path);
+      if (!key) key = &tree.emplace_back(Key{*path, {}});
+      if (Value* value = FindValue(*key, name)) {
+        value->data = data;
+      } else {
+        key->values.push_back(Value{name, data});
+      }
+      return true;
+    });
+  }
+
+  // `change` returns false when there is nothing to write; the result is then
+  // still success (the wanted state holds).
+  template <class Change>
+  bool Modify(Change change) {
+    if (!usable_) return false;
+    std::lock_guard lock(StoreMutex());
+    Tree tree = LoadUnlocked();
+    if (!change(tree)) return true;
+    return Save(Serialize(tree));
+  }
+
+  // Temp file beside the target, then rename: a reader sees the old or the
+  // new tree, never half of one. Created 0600 so no other user can read it.
+  bool Save(const std::string& bytes) const {
+    static std::atomic<unsigned> counter{0};
+    std::error_code error;
+    if (file_.has_parent_path()) std::filesystem::create_directories(file_.parent_path(), error);
+    std::filesystem::path temp = file_;
+    temp += ".tmp-" + std::to_string(::getpid()) + "-" + std::to_string(counter++);
+    UniqueFd fd(::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (fd.get() < 0) return false;
+    bool ok = WriteAll(fd.get(), bytes) && ::fsync(fd.get()) == 0;
+    ok = fd.Close() && ok;
+    ok = ok && ::rename(temp.c_str(), file_.c_str()) == 0;
+    if (!ok) ::unlink(temp.c_str());
+    return ok;
+  }
+
+  std::filesystem::path file_;
+  bool usable_;
+};
+
+}  // namespace
+
+std::unique_ptr<Registry> OpenCurrentUserRegistry(const std::wstring& posix_file) {
+  return std::make_unique<FileRegistry>(posix_file);
+}
+
+}  // namespace tavrine::platform

@@ -1,0 +1,49 @@
+#include "platform/host_resolver.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/path.h"
+
+namespace tavrine::platform {
+namespace {
+
+TEST(HostResolver, DottedIPv4Check) {
+  struct Case {
+    const wchar_t* text;
+    bool valid;
+  };
+  const Case cases[] = {
+      {L"1.2.3.4", true},       {L"0.0.0.0", true},        {L"255.255.255.255", true},
+      {L"192.168.001.010", true}, {L"256.1.1.1", false},   {L"1.2.3.256", false},
+      {L"1.2.3", false},        {L"1.2.3.4.5", false},     {L"1..3.4", false},
+      {L".1.2.3", false},       {L"1.2.3.4.", false},      {L"", false},
+      {L"a.b.c.d", false},      {L" 1.2.3.4", false},      {L"1.2.3.4 ", false},
+      {L"+1.2.3.4", false},     {L"1.2.3.-4", false},      {L"0001.2.3.4", false},
+      {L"\uFF11.2.3.4", false},  // full-width digit one
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(IsDottedIPv4(c.text), c.valid) << WideToUtf8(c.text);
+  }
+}
+
+TEST(HostResolver, ResolvesNamesAndAddressesToDottedText) {
+  for (const wchar_t* host : {L"localhost", L"127.0.0.1"}) {
+    ResolveResult result = ResolveHostToIPv4(host);
+    EXPECT_EQ(result.status, ResolveStatus::kResolved) << WideToUtf8(host);
+    EXPECT_EQ(result.text, L"127.0.0.1") << WideToUtf8(host);
+  }
+  EXPECT_EQ(ResolveHostToIPv4(L"").status, ResolveStatus::kNotFound);
+}
+
+TEST(HostResolver, ReverseLookup) {
+  ResolveResult loopback = ResolveIPv4ToHost(L"127.0.0.1");
+  EXPECT_EQ(loopback.status, ResolveStatus::kResolved);
+  EXPECT_FALSE(loopback.text.empty());
+
+  ResolveResult invalid = ResolveIPv4ToHost(L"300.1.1.1");
+  EXPECT_EQ(invalid.status, ResolveStatus::kNotFound);
+  EXPECT_TRUE(invalid.text.empty());
+}
+
+}  // namespace
+}  // namespace tavrine::platform

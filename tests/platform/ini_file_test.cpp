@@ -1,0 +1,163 @@
+#include "platform/ini_file.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/path.h"
+#include "support/temp_folder.h"
+
+namespace tavrine::platform {
+namespace {
+
+using testing::ReadFileBytes;
+using testing::TempFolder;
+using testing::WriteFileBytes;
+
+const std::vector<std::string> kSample = {
+    "; a comment that must survive writes",
+    "[Alpha]",
+    "Name=plain",
+    "name=later duplicate",
+    "  Spaced   =   padded value   ",
+    "Tabbed=\tvalue with tabs\t",
+    "Double=\"quoted value\"",
+    "Single='single quoted'",
+    "PadQuote= \" inner spaces \" ",
+    "Inner=\"keep \"inner\" quotes\"",
+    "Mismatch=\"half'",
+    "Lone=\"",
+    "Empty=",
+    "Equals=a=b",
+    "Euro=\x80 5",
+    "",
+    "[beta]",
+    "Name=from beta",
+};
+
+std::string Join(const std::vector<std::string>& lines, const std::string& eol) {
+  std::string text;
+  for (const std::string& line : lines) text += line + eol;
+  return text;
+}
+
+struct ReadCase {
+  const wchar_t* section;
+  const wchar_t* key;
+  const wchar_t* expected;
+};
+
+TEST(IniFile, ReadsValuesByTheProfileRulesWithEitherLineEnd) {
+  const ReadCase cases[] = {
+      {L"Alpha", L"Name", L"plain"},
+      {L"ALPHA", L"NAME", L"plain"},
+      {L"alpha", L"spaced", L"padded value"},
+      {L"Alpha", L"Tabbed", L"value with tabs"},
+      {L"Alpha", L"Double", L"quoted value"},
+      {L"Alpha", L"Single", L"single quoted"},
+      {L"Alpha", L"PadQuote", L" inner spaces "},
+      {L"Alpha", L"Inner", L"keep \"inner\" quotes"},
+      {L"Alpha", L"Mismatch", L"\"half'"},
+      {L"Alpha", L"Lone", L"\""},
+      {L"Alpha", L"Empty", L""},
+      {L"Alpha", L"Equals", L"a=b"},
+      {L"Alpha", L"Euro", L"\u20AC 5"},
+      {L"Beta", L"name", L"from beta"},
+      {L"Alpha", L"Missing", L""},
+      {L"Gamma", L"Name", L""},
+  };
+  TempFolder folder;
+  for (const char* eol : {"\r\n", "\n"}) {
+    SCOPED_TRACE(eol[0] == '\r' ? "CRLF" : "LF");
+    // A new file per variant: Wine caches profile files by name.
+    auto file = folder.path() / (eol[0] == '\r' ? "crlf.ini" : "lf.ini");
+    WriteFileBytes(file, Join(kSample, eol));
+    for (const ReadCase& c : cases) {
+      EXPECT_EQ(ReadIniString(c.section, c.key, FromFsPath(file)), c.expected)
+          << "[" << WideToUtf8(c.section) << "] " << WideToUtf8(c.key);
+    }
+  }
+}
+
+TEST(IniFile, MissingFileReadsEmpty) {
+  TempFolder folder;
+  EXPECT_EQ(ReadIniString(L"Alpha", L"Name", folder.wpath() + kPathSeparator + L"none.ini"), L"");
+}
+
+TEST(IniFile, LongValuesAreCutAt2047Characters) {
+  struct LengthCase {
+    std::size_t stored;
+    std::size_t read;
+  };
+  const LengthCase cases[] = {{2046, 2046}, {2047, 2047}, {2048, 2047}, {5000, 2047}};
+  TempFolder folder;
+  int index = 0;
+  for (const LengthCase& c : cases) {
+    auto file = folder.path() / ("long" + std::to_string(index++) + ".ini");
+    WriteFileBytes(file, "[S]\r\nK=" + std::string(c.stored, 'v') + "\r\n");
+    EXPECT_EQ(ReadIniString(L"S", L"K", FromFsPath(file)).size(), c.read) << c.stored;
+  }
+}
+
+class IniWrite : public ::testing::Test {
+ protected:
+  void SetUp() override { WriteFileBytes(file_, Join(kSample, "\r\n")); }
+  std::wstring file() const { return FromFsPath(file_); }
+  std::string bytes() const { return ReadFileBytes(file_); }
+
+  // Every sample value other than `except` still reads the same.
+  void ExpectOthersIntact(const std::wstring& except) {
+    const ReadCase kept[] = {
+        {L"Alpha", L"Name", L"plain"},       {L"Alpha", L"Spaced", L"padded value"},
+        {L"Alpha", L"Double", L"quoted value"}, {L"Alpha", L"Euro", L"\u20AC 5"},
+        {L"beta", L"Name", L"from beta"},
+    };
+    for (const ReadCase& c : kept) {
+      if (except == c.section + std::wstring(L"/") + c.key) continue;
+      EXPECT_EQ(ReadIniString(c.section, c.key, file()), c.expected) << WideToUtf8(c.key);
+    }
+    EXPECT_NE(bytes().find("; a comment that must survive writes"), std::string::npos);
+  }
+
+  TempFolder folder_;
+  std::filesystem::path file_ = folder_.path() / "write.ini";
+};
+
+TEST_F(IniWrite, UpdatesTheFirstMatchingKeyInPlace) {
+  ASSERT_TRUE(WriteIniString(L"ALPHA", L"name", L"changed", file()));
+  EXPECT_EQ(ReadIniString(L"Alpha", L"Name", file()), L"changed");
+  ExpectOthersIntact(L"Alpha/Name");
+  std::string text = bytes();
+  EXPECT_NE(text.find("later duplicate"), std::string::npos);
+  EXPECT_LT(text.find("changed"), text.find("[beta]"));
+}
+
+TEST_F(IniWrite, AddsANewKeyInsideItsSection) {
+  ASSERT_TRUE(WriteIniString(L"Beta", L"Added", L"x y", file()));
+  EXPECT_EQ(ReadIniString(L"beta", L"added", file()), L"x y");
+  ExpectOthersIntact(L"");
+  std::string text = bytes();
+  EXPECT_LT(text.find("[beta]"), text.find("Added=x y"));
+}
+
+TEST_F(IniWrite, AppendsANewSection) {
+  ASSERT_TRUE(WriteIniString(L"Gamma", L"Key", L"\u20AC\u00E9", file()));
+  EXPECT_EQ(ReadIniString(L"gamma", L"KEY", file()), L"\u20AC\u00E9");
+  ExpectOthersIntact(L"");
+  // Stored as ANSI, not UTF-8.
+  EXPECT_NE(bytes().find("Key=\x80\xE9"), std::string::npos);
+}
+
+TEST(IniFile, WriteCreatesAMissingFileButNotAMissingFolder) {
+  TempFolder folder;
+  std::wstring file = folder.wpath() + kPathSeparator + L"new.ini";
+  ASSERT_TRUE(WriteIniString(L"Registry", L"VirtualPath", L"C:\\Work\\", file));
+  EXPECT_EQ(ReadIniString(L"Registry", L"VirtualPath", file), L"C:\\Work\\");
+
+  std::wstring nowhere = folder.wpath() + kPathSeparator + L"no-folder" + kPathSeparator + L"x.ini";
+  EXPECT_FALSE(WriteIniString(L"Registry", L"VirtualPath", L"v", nowhere));
+}
+
+}  // namespace
+}  // namespace tavrine::platform
