@@ -150,8 +150,9 @@ TEST(EngineRefResults, FilesHoldExactlyTheScriptedBytes) {
 }
 
 TEST(EngineRefJournal, RecordsRequestParametersAndFoldersExactly) {
-  // Spaces and non-ASCII both in the install folder and in the exchange folder.
-  EngineInstall install({.folder_name = L"Tavrin E \u00dcn\u00ef \u2603"});
+  // Spaces and non-ASCII both in the install folder and in the exchange folder;
+  // only characters of the ANSI code page, as the Windows launcher passes ANSI text.
+  EngineInstall install({.folder_name = L"Tavrin E \u00dcn\u00ef \u20ac"});
   fs::path folder = install.path() / platform::ToFsPath(L"Anna M\u00fcller") / "Temp" /
                     "H_1_02_003";
   fs::create_directories(folder);

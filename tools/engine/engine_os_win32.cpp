@@ -1,7 +1,5 @@
 #include <windows.h>
 
-#include <stdlib.h>
-
 #include <vector>
 
 #include "engine_os.h"
@@ -69,6 +67,5 @@ void ExitAbnormally() {
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   // A test engine must never stop a run with an error dialog.
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
-  _set_abort_behavior(0, _WRITE_ABORT_MSG | _CALL_REPORTFAULT);
   return tavrine::refengine::RunEngine(tavrine::refengine::ParameterTextFromCommandLine());
 }
