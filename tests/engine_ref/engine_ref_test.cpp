@@ -289,7 +289,7 @@ TEST(EngineRefLifetime, DelayHoldsTheAnswerBack) {
 TEST(EngineRefLifetime, CrashesLeaveNoResultOrHalfAFile) {
   EngineInstall install;
   EngineScenario scenario;
-  scenario.On(115).Crash().Output(0).Then().CrashHalfway("Backupfile.txt", "0123456789").Output(0);
+  scenario.On(115).Crash().Output(0).Then().CrashHalfway("Backupfile.txt", "0123456789a").Output(0);
   install.SetScenario(scenario);
   fs::path crash = MakeExchange(install, "crash"), half = MakeExchange(install, "half");
   ASSERT_EQ(RunToEnd(install, 115, crash), WaitOutcome::kExited);
