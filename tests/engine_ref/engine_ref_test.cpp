@@ -1,7 +1,10 @@
 // The reference engine as a real process, started the way the library starts it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 

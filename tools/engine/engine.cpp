@@ -121,16 +121,15 @@ int RunEngine(const std::string& parameter_text) {
   ParseResult parsed;  // outlives the answer picked from it
   if (std::optional<std::string> text = ReadWholeFile(home / kScenarioName)) {
     parsed = ParseScenario(*text);
-    std::size_t index = 0;
     if (!parsed.error.empty()) {
       record.note = std::string(kScenarioName) + " " + parsed.error;
       exit_code = 4;
-    } else if ((answer = PickAnswer(parsed.scenario, invocation->code,
-                                    CountRuns(ReadWholeFile(home / kJournalName).value_or(""),
-                                              record.code),
-                                    &index))) {
-      record.answer = std::to_string(index);
-      if (!ResolveContents(*answer, home, &contents, &record.note)) {
+    } else {
+      std::string journal = ReadWholeFile(home / kJournalName).value_or("");
+      std::size_t index = 0;
+      answer = PickAnswer(parsed.scenario, invocation->code, CountRuns(journal, record.code), &index);
+      if (answer) record.answer = std::to_string(index);
+      if (answer && !ResolveContents(*answer, home, &contents, &record.note)) {
         answer = nullptr;
         exit_code = 4;
       }

@@ -1,11 +1,16 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <system_error>
+
 #include "engine_os.h"
 
 namespace tavrine::refengine {
 
-std::filesystem::path ProgramPath() { return std::filesystem::read_symlink("/proc/self/exe"); }
+std::filesystem::path ProgramPath() {
+  std::error_code ec;
+  return std::filesystem::read_symlink("/proc/self/exe", ec);
+}
 
 std::filesystem::path PathFromUtf8(const std::string& utf8) { return std::filesystem::path(utf8); }
 
