@@ -281,7 +281,8 @@ class FileRegistry final : public Registry {
 
   bool DeleteKeyTree(const std::wstring& key_path) override {
     std::optional<std::wstring> path = NormalizeKeyPath(key_path);
-    if (!path) return false;
+    // Never the whole tree, as on Windows.
+    if (!path || path->empty()) return false;
     return Modify([&](Tree& tree) {
       std::size_t before = tree.size();
       std::erase_if(tree, [&](const Key& key) {
