@@ -34,6 +34,8 @@ const std::vector<std::string> kSample = {
     "",
     "[beta]",
     "Name=from beta",
+    "[ALPHA]",
+    "Late=second section of the same name",
 };
 
 std::string Join(const std::vector<std::string>& lines, const std::string& eol) {
@@ -66,6 +68,8 @@ TEST(IniFile, ReadsValuesByTheProfileRulesWithEitherLineEnd) {
       {L"Beta", L"name", L"from beta"},
       {L"Alpha", L"Missing", L""},
       {L"Gamma", L"Name", L""},
+      // Only the first section of a name is searched.
+      {L"Alpha", L"Late", L""},
   };
   TempFolder folder;
   for (const char* eol : {"\r\n", "\n"}) {
