@@ -1,0 +1,108 @@
+#!/usr/bin/env bash
+# Builds and runs every test suite: native, native with sanitizers, and the
+# Windows build under Wine. On a fresh Debian 12 machine it first installs
+# what is missing. Ends with one line: "N passed, N failed".
+set -uo pipefail
+cd "$(dirname "$0")/.."
+ROOT=$(pwd)
+JOBS=2
+# TAVRINE_BUILD_ROOT lets a second run build beside the usual trees.
+BUILD="$ROOT/${TAVRINE_BUILD_ROOT:-build}"
+LOGS="$BUILD/logs"
+
+say() { printf '==> %s\n' "$*"; }
+
+# --- packages ---------------------------------------------------------------
+PACKAGES=(g++ cmake ninja-build libgtest-dev libgmock-dev googletest libbenchmark-dev
+          mingw-w64 mingw-w64-tools libwine-dev wine wine64 xvfb xauth clang)
+missing=()
+for package in "${PACKAGES[@]}"; do
+  dpkg -s "$package" >/dev/null 2>&1 || missing+=("$package")
+done
+if ((${#missing[@]})); then
+  SUDO=()
+  [[ $(id -u) -eq 0 ]] || SUDO=(sudo)
+  say "installing: ${missing[*]}"
+  if ! "${SUDO[@]}" apt-get update -qq ||
+     ! DEBIAN_FRONTEND=noninteractive "${SUDO[@]}" apt-get install -y -qq "${missing[@]}" >/dev/null; then
+    echo "package installation failed" >&2
+    exit 1
+  fi
+fi
+
+GENERATOR=()
+command -v ninja >/dev/null && GENERATOR=(-G Ninja)
+mkdir -p "$LOGS"
+
+# --- one Wine prefix for the whole run ---------------------------------------
+export WINEPREFIX="$BUILD/wine-prefix"
+export WINEDEBUG=-all
+export WINEDLLOVERRIDES="mscoree,mshtml="
+export WINEARCH=win64
+
+total_passed=0
+total_failed=0
+status=0
+
+# configure + build one tree; the log is shown only when something fails.
+build_tree() {
+  local name=$1; shift
+  local dir="$BUILD/$name"
+  say "building $name"
+  if ! cmake -S "$ROOT" -B "$dir" "${GENERATOR[@]}" "$@" >"$LOGS/$name-configure.log" 2>&1; then
+    tail -n 60 "$LOGS/$name-configure.log"
+    echo "$name: configure failed" >&2
+    return 1
+  fi
+  if ! cmake --build "$dir" -j"$JOBS" >"$LOGS/$name-build.log" 2>&1; then
+    grep -E "error|Error|FAILED" "$LOGS/$name-build.log" | head -n 40
+    echo "$name: build failed (full log: $LOGS/$name-build.log)" >&2
+    return 1
+  fi
+}
+
+# ctest prints "X% tests passed, Y tests failed out of Z"; add it to the totals.
+run_tree() {
+  local name=$1
+  local dir="$BUILD/$name"
+  say "testing $name"
+  ctest --test-dir "$dir" --output-on-failure 2>&1 | tee "$LOGS/$name-test.log"
+  local rc=${PIPESTATUS[0]}
+  local line
+  line=$(grep -E "tests passed, [0-9]+ tests? failed out of [0-9]+" "$LOGS/$name-test.log" | tail -n 1)
+  if [[ $line =~ ([0-9]+)\ tests?\ failed\ out\ of\ ([0-9]+) ]]; then
+    local failed=${BASH_REMATCH[1]} count=${BASH_REMATCH[2]}
+    total_failed=$((total_failed + failed))
+    total_passed=$((total_passed + count - failed))
+  fi
+  return "$rc"
+}
+
+suite() {
+  local name=$1; shift
+  if build_tree "$name" "$@"; then
+    run_tree "$name" || status=1
+  else
+    status=1
+  fi
+}
+
+suite linux
+suite linux-asan -DTAVRINE_SANITIZE=ON
+
+# No display for the Windows run: message boxes return at once instead of waiting.
+unset DISPLAY
+if [[ ! -f "$WINEPREFIX/system.reg" ]]; then
+  say "creating the Wine prefix (first boot takes a few seconds)"
+  mkdir -p "$WINEPREFIX"
+  if ! wineboot -i >"$LOGS/wineboot.log" 2>&1; then
+    cat "$LOGS/wineboot.log" >&2
+    status=1
+  fi
+  wineserver -w
+fi
+suite win64 -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake"
+wineserver -k >/dev/null 2>&1 || true
+
+echo "$total_passed passed, $total_failed failed"
+exit "$status"
