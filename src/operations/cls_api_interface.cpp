@@ -194,16 +194,20 @@ std::int32_t clsAPI_Interface::API_REMOTE(const std::wstring& strtempfd) {
       if (end == RunEnd::kCancelled) return -1;
       if (end != RunEnd::kExited) return -1;
 
-      client_.ReadDLLOutputFileTempFd(strtempfd, has_result, description, value);
-      for (std::uint32_t waited = 0; !has_result && waited < kResultPollLimitMs;
+      // A failure answer is a result too, though the reader reports it as "false".
+      auto answered = [&strtempfd] {
+        return FileExists(JoinPath(strtempfd, L"DLLOutput.txt")) ||
+               FileExists(JoinPath(strtempfd, L"DLLOutputInfo.txt"));
+      };
+      for (std::uint32_t waited = 0; !answered() && waited < kResultPollLimitMs;
            waited += kResultPollMs) {
         Pause(kResultPollMs);
-        client_.ReadDLLOutputFileTempFd(strtempfd, has_result, description, value);
       }
-      if (!has_result) {
+      if (!answered()) {
         foundation::Trace(L"API_REMOTE :: the engine left no result");
         return -1;
       }
+      client_.ReadDLLOutputFileTempFd(strtempfd, has_result, description, value);
       if (value == 0) value = FileExists(JoinPath(strtempfd, L"Backupfile.txt")) ? 402 : -412;
       DeleteFileIfExists(JoinPath(strtempfd, L"DLLInput.txt"));
       if (FileExists(cancel_marker)) return -1;

@@ -95,7 +95,7 @@ TEST_F(ClsClientTest, VersionRequestDropsTheComputerOnlyWithSeveralComputers) {
     EXPECT_EQ(Request(), Lines(std::wstring(kHead) + L"0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n" +
                                c.line13 + L"\r\n"))
         << (c.host_count ? c.host_count : "none");
-    EXPECT_EQ(foundation::CurrentSettings().multiple_pc, c.host_count && c.host_count[0] == '2');
+    EXPECT_EQ(foundation::CurrentSettings().multiple_pc, c.host_count != nullptr);
   }
   // Without several computers this computer is recorded as the only host.
   std::wstring mpc = folder_ + platform::kPathSeparator + L"MPC.ini";

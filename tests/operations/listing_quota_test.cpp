@@ -56,6 +56,7 @@ TEST_F(Listing, UnregisteredMachineReturns401UnlessRenewalIsPermitted) {
   EXPECT_EQ(clsAPI_Interface().API_REMOTE(CallerFolder(L"m1")), 401);
   EXPECT_EQ(install_.Journal().size(), 1u);
 
+  fs::remove(install_.path() / "engine-journal.txt");  // the queues start again
   install_.SetScenario(EngineScenario()
                            .On(115).Info(-505).Then().Output(0).WithFile("Backupfile.txt", "x")
                            .On(5).Output(404));
