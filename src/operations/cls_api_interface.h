@@ -19,6 +19,15 @@ class clsAPI_Interface {
   std::int32_t API_ENTRY(const std::wstring& strtempfd, std::int16_t& lResult);
   std::int32_t API_AutoMultipleServerSupport();
 
+  // Restore and versions (cls_api_interface_restore.cpp).
+  std::int32_t API_ENTRY_RESTORE(const std::wstring& destPath, const std::wstring& parentPath,
+                                 const std::wstring& tempPath);
+  std::int32_t API_GETVERSIONS(const std::wstring& filepath, std::wstring& pstrtemp);
+
+  // Remote delete and the firewall probe (cls_api_interface_delete.cpp).
+  std::int32_t API_DELETE_REMOTE_FILE(const std::wstring& sInputDelete);
+  std::int32_t API_FirewallSettings();
+
  private:
   // LoadConfigurations, GetCurrentUser and LoadProxySettings, in that order.
   engine::ProxySettings LoadSession();

@@ -14,6 +14,9 @@ class UICommands {
   std::int32_t W_GetMessageString(std::int32_t MessageCode, std::wstring& MessageRet);
   std::int32_t W_GetMessageInfo(std::int32_t MessageCode, std::wstring& msgTitle,
                                 std::int16_t& msgType);
+  // Remote delete and the firewall probe (ui_commands_delete.cpp).
+  std::int32_t W_DeleteRemoteFiles(const std::wstring& sInputDelete);
+  std::int32_t W_Dummycall();
 };
 
 // The only quotas of the free plans, compared exactly.
