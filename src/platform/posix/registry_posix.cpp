@@ -26,7 +26,8 @@ constexpr std::wstring_view kDwordPrefix = L"#dword:";
 
 struct Value {
   std::wstring name;
-  std::wstring data;  // escaped form's meaning: string text, or kDwordPrefix + number
+  std::wstring data;  // the string, or the DWORD's decimal digits
+  bool dword = false;
 };
 
 struct Key {
@@ -171,15 +172,11 @@ Tree Parse(std::string_view bytes) {
     std::wstring name = Unescape(std::wstring_view(text).substr(0, equals));
     if (FindValue(*current, name)) continue;  // first one wins
     std::wstring_view raw = std::wstring_view(text).substr(equals + 1);
-    std::wstring data = raw.substr(0, kDwordPrefix.size()) == kDwordPrefix ? std::wstring(raw)
-                                                                          : Unescape(raw);
-    current->values.push_back(Value{std::move(name), std::move(data)});
+    bool dword = raw.substr(0, kDwordPrefix.size()) == kDwordPrefix;
+    std::wstring data = dword ? std::wstring(raw.substr(kDwordPrefix.size())) : Unescape(raw);
+    current->values.push_back(Value{std::move(name), std::move(data), dword});
   }
   return tree;
-}
-
-bool IsDword(const Value& value) {
-  return std::wstring_view(value.data).substr(0, kDwordPrefix.size()) == kDwordPrefix;
 }
 
 std::string Serialize(const Tree& tree) {
@@ -187,8 +184,8 @@ std::string Serialize(const Tree& tree) {
   for (const Key& key : tree) {
     text += L'[' + Escape(key.path) + L"]\n";
     for (const Value& value : key.values) {
-      text += Escape(value.name) + L'=' + (IsDword(value) ? value.data : Escape(value.data)) +
-              L'\n';
+      text += Escape(value.name) + L'=' +
+              (value.dword ? std::wstring(kDwordPrefix) + value.data : Escape(value.data)) + L'\n';
     }
   }
   return WideToUtf8(text);
@@ -239,24 +236,23 @@ class FileRegistry final : public Registry {
   std::optional<std::wstring> ReadString(const std::wstring& key_path,
                                          const std::wstring& name) override {
     std::optional<Value> value = Find(key_path, name);
-    if (!value || IsDword(*value)) return std::nullopt;
+    if (!value || value->dword) return std::nullopt;
     return value->data;
   }
 
   bool WriteString(const std::wstring& key_path, const std::wstring& name,
                    const std::wstring& value) override {
-    return Set(key_path, name, value);
+    return Set(key_path, name, value, false);
   }
 
   std::optional<std::uint32_t> ReadDword(const std::wstring& key_path,
                                          const std::wstring& name) override {
     std::optional<Value> value = Find(key_path, name);
-    if (!value || !IsDword(*value)) return std::nullopt;
+    if (!value || !value->dword) return std::nullopt;
     try {
       std::size_t used = 0;
-      std::wstring digits = value->data.substr(kDwordPrefix.size());
-      unsigned long number = std::stoul(digits, &used);
-      if (used != digits.size() || number > 0xFFFFFFFFul) return std::nullopt;
+      unsigned long number = std::stoul(value->data, &used);
+      if (used != value->data.size() || number > 0xFFFFFFFFul) return std::nullopt;
       return static_cast<std::uint32_t>(number);
     } catch (...) {
       return std::nullopt;
@@ -265,7 +261,7 @@ class FileRegistry final : public Registry {
 
   bool WriteDword(const std::wstring& key_path, const std::wstring& name,
                   std::uint32_t value) override {
-    return Set(key_path, name, std::wstring(kDwordPrefix) + std::to_wstring(value));
+    return Set(key_path, name, std::to_wstring(value), true);
   }
 
   bool DeleteValue(const std::wstring& key_path, const std::wstring& name) override {
@@ -352,7 +348,8 @@ class FileRegistry final : public Registry {
     return *value;
   }
 
-  bool Set(const std::wstring& key_path, const std::wstring& name, const std::wstring& data) {
+  bool Set(const std::wstring& key_path, const std::wstring& name, const std::wstring& data,
+           bool dword) {
     std::optional<std::wstring> path = NormalizeKeyPath(key_path);
     if (!path) return false;
     return Modify([&](Tree& tree) {
@@ -360,8 +357,9 @@ class FileRegistry final : public Registry {
       if (!key) key = &tree.emplace_back(Key{*path, {}});
       if (Value* value = FindValue(*key, name)) {
         value->data = data;
+        value->dword = dword;
       } else {
-        key->values.push_back(Value{name, data});
+        key->values.push_back(Value{name, data, dword});
       }
       return true;
     });

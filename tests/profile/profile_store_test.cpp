@@ -1,0 +1,265 @@
+#include "profile/profile_store.h"
+
+#include <gtest/gtest.h>
+
+#include "foundation/trace_log.h"
+#include "platform/path.h"
+#include "profile/character_shift.h"
+#include "profile/profile_fixture.h"
+#include "support/temp_folder.h"
+
+namespace tavrine::profile {
+namespace {
+
+using testing::ReadFileBytes;
+using testing::WriteFileBytes;
+
+std::wstring UserKey(const ProfileStore& store, const std::wstring& user) {
+  return store.root_key() + L"\\" + user;
+}
+
+TEST(ProfileStore, RootKeyDropsTheInstallationNamesOuterSeparators) {
+  EXPECT_EQ(RootKeyFor(L"\\TavrinE\\"), L"Software\\Brennick\\TavrinE");
+  EXPECT_EQ(RootKeyFor(L"TavrinE/"), L"Software\\Brennick\\TavrinE");
+  EXPECT_EQ(RootKeyFor(L"Brand\\Sub"), L"Software\\Brennick\\Brand\\Sub");
+  EXPECT_EQ(RootKeyFor(L"\\\\"), L"");
+  EXPECT_EQ(RootKeyFor(L""), L"");
+}
+
+TEST(ProfileStore, ValuesRoundTripAsPlainTextWhateverTheyHold) {
+  ProfileFixture fixture;
+  ProfileStore store = fixture.Store();
+  ASSERT_TRUE(store.SetCurrentUser(L"J\u00FCrgen"));
+  const std::wstring names[] = {L"username", L"password", L"encpassword", L"encpasswordnew",
+                                L"ProxyPass", L"serverip", L"InteractiveLists"};
+  const std::wstring values[] = {
+      L"J\u00FCrgen \u20AC \u0416\u0435\u043D\u044F", L"p@ss~}\u00FF\u00FE", L"",
+      L"  spaced  ", L"a=b;[c]#%41", L"line1\r\nline2", L"x\U0001F600y", std::wstring(3000, L'z'),
+  };
+  for (const std::wstring& name : names) {
+    for (const std::wstring& value : values) {
+      ASSERT_TRUE(store.Update(name, value));
+      EXPECT_EQ(fixture.Store().Get(name), value)
+          << ::testing::PrintToString(name) << " = " << ::testing::PrintToString(value);
+    }
+  }
+}
+
+TEST(ProfileStore, SecretsNeverReachTheBackingStoreAsPlainText) {
+  ProfileFixture fixture;
+  ProfileStore store = fixture.Store();
+  ASSERT_TRUE(store.SetCurrentUser(L"alice"));
+  const std::wstring secret = L"hunter2-Geheimnis";
+  // Registry names ignore case, so every spelling is the same protected value.
+  for (const wchar_t* name : {L"password", L"Password", L"ENCPASSWORD", L"encpasswordnew",
+                              L"ProxyPass", L"proxypass"}) {
+    ASSERT_TRUE(store.Update(name, secret));
+    std::optional<std::wstring> raw = store.registry().ReadString(UserKey(store, L"alice"), name);
+    ASSERT_TRUE(raw) << ::testing::PrintToString(name);
+    EXPECT_EQ(raw->find(L"hunter2"), std::wstring::npos) << ::testing::PrintToString(name);
+    EXPECT_EQ(store.Get(name), secret);
+  }
+  if (fixture.FileBacked()) {
+    EXPECT_EQ(ReadFileBytes(platform::ToFsPath(ProfileStoreFile())).find("hunter2"),
+              std::string::npos);
+  }
+  // Ordinary values stay readable REG_SZ text for anyone who looks.
+  ASSERT_TRUE(store.Update(L"username", L"alice"));
+  EXPECT_EQ(store.registry().ReadString(UserKey(store, L"alice"), L"username"), L"alice");
+}
+
+TEST(ProfileStore, KeepsTheDesignedLayout) {
+  ProfileFixture fixture;
+  ProfileStore store = fixture.Store();
+  ASSERT_TRUE(store.Update(kCurrentUserValue, L"bob"));
+  ASSERT_TRUE(store.Update(kDefaultUserValue, L"bob"));
+  ASSERT_TRUE(store.Update(L"serverip", L"10.0.0.1"));
+  platform::Registry& registry = store.registry();
+  EXPECT_EQ(registry.ReadString(store.root_key(), L"CurrentUser"), L"bob");
+  EXPECT_EQ(registry.ReadString(store.root_key(), L"Default User name"), L"bob");
+  EXPECT_EQ(registry.ReadString(UserKey(store, L"bob"), L"serverip"), L"10.0.0.1");
+  // The globals never land in a user's subkey, whatever the spelling.
+  ASSERT_TRUE(store.UpdateForUser(L"bob", L"currentuser", L"carol"));
+  EXPECT_EQ(registry.ReadString(UserKey(store, L"bob"), L"CurrentUser"), std::nullopt);
+  EXPECT_EQ(store.CurrentUser(), L"carol");
+  EXPECT_EQ(store.Get(L"CurrentUser"), L"carol");
+}
+
+TEST(ProfileStore, SwitchingTheCurrentUserSwitchesEveryValue) {
+  ProfileFixture fixture;
+  ProfileStore store = fixture.Store();
+  ASSERT_TRUE(store.SetCurrentUser(L"alice"));
+  ASSERT_TRUE(store.Update(L"password", L"alice-pw"));
+  ASSERT_TRUE(store.Update(L"port", L"443"));
+  ASSERT_TRUE(store.SetCurrentUser(L"bob"));
+  EXPECT_EQ(store.Get(L"password"), L"");
+  EXPECT_EQ(store.Get(L"port"), L"");
+  ASSERT_TRUE(store.Update(L"password", L"bob-pw"));
+  ASSERT_TRUE(store.SetCurrentUser(L"ALICE"));
+  EXPECT_EQ(store.Get(L"password"), L"alice-pw");
+  EXPECT_EQ(store.GetForUser(L"bob", L"password"), L"bob-pw");
+  EXPECT_EQ(store.Get(L"port"), L"443");
+}
+
+TEST(ProfileStore, WithoutACurrentUserNothingIsReadOrWritten) {
+  ProfileFixture fixture;
+  ProfileStore store = fixture.Store();
+  ASSERT_TRUE(store.UpdateForUser(L"alice", L"username", L"alice"));
+  EXPECT_EQ(store.Get(L"username"), L"");
+  EXPECT_FALSE(store.Update(L"username", L"stray"));
+  EXPECT_TRUE(store.registry().ListValues(store.root_key()).empty());
+  EXPECT_EQ(store.GetForUser(L"alice", L"username"), L"alice");
+  // Clearing the current user ends writes again.
+  ASSERT_TRUE(store.SetCurrentUser(L"alice"));
+  ASSERT_TRUE(store.SetCurrentUser(L""));
+  EXPECT_FALSE(store.Update(L"username", L"stray"));
+  EXPECT_EQ(store.GetForUser(L"alice", L"username"), L"alice");
+}
+
+TEST(ProfileStore, RefusedNamesNeverBecomeKeys) {
+  ProfileFixture fixture;
+  ProfileStore store = fixture.Store();
+  ASSERT_TRUE(store.SetCurrentUser(L"alice"));
+  for (const wchar_t* name : {L"..", L"a\\b", L"../x", L"CON", L"x:y"}) {
+    EXPECT_FALSE(store.SetCurrentUser(name)) << ::testing::PrintToString(name);
+    EXPECT_FALSE(store.SetDefaultUser(name));
+    EXPECT_FALSE(store.UpdateForUser(name, L"username", L"x"));
+    EXPECT_EQ(store.GetForUser(name, L"username"), L"");
+  }
+  EXPECT_EQ(store.CurrentUser(), L"alice");
+  EXPECT_TRUE(store.registry().ListSubkeys(store.root_key()).empty());
+}
+
+TEST(ProfileStore, ATamperedCurrentUserIsNoUserAtAll) {
+  ProfileFixture fixture;
+  ProfileStore store = fixture.Store();
+  ASSERT_TRUE(store.registry().WriteString(store.root_key(), L"CurrentUser", L"..\\..\\evil"));
+  ASSERT_TRUE(store.registry().WriteString(UserKey(store, L"..\\..\\evil"), L"username", L"x"));
+  EXPECT_EQ(store.CurrentUser(), L"");
+  EXPECT_EQ(store.Get(L"username"), L"");
+  EXPECT_FALSE(store.Update(L"username", L"y"));
+}
+
+TEST(ProfileStore, MissingStoreReadsEmpty) {
+  ProfileFixture fixture;
+  ProfileStore store = fixture.Store();
+  EXPECT_EQ(store.CurrentUser(), L"");
+  EXPECT_EQ(store.DefaultUser(), L"");
+  EXPECT_EQ(store.GetForUser(L"alice", L"password"), L"");
+  EXPECT_TRUE(store.Users().empty());
+  EXPECT_FALSE(fixture.FileBacked());
+}
+
+TEST(ProfileStore, BrokenStoreFileGivesEmptyValuesAndCanBeWrittenAgain) {
+  const std::string broken[] = {
+      std::string("\x00\xFF\x01\x02garbage", 11),
+      "[Software\\Brennick",
+      "=\n[]\n[\\\\\\]\n=x\n",
+      "\xEF\xBB\xBF",
+      std::string(100000, '['),
+  };
+  for (const std::string& bytes : broken) {
+    ProfileFixture fixture;
+    WriteFileBytes(platform::ToFsPath(ProfileStoreFile()), bytes);
+    ProfileStore store = fixture.Store();
+    EXPECT_EQ(store.CurrentUser(), L"");
+    EXPECT_EQ(store.GetForUser(L"alice", L"password"), L"");
+    ASSERT_TRUE(store.SetCurrentUser(L"alice"));
+    ASSERT_TRUE(store.Update(L"password", L"pw"));
+    EXPECT_EQ(fixture.Store().Get(L"password"), L"pw");
+  }
+}
+
+TEST(ProfileStore, TwoInstallationsAreKeptApart) {
+  ProfileFixture fixture;
+  ProfileStore first = fixture.Store();
+  ProfileStore second = fixture.Store(fixture.OtherInstallation());
+  ASSERT_TRUE(first.SetCurrentUser(L"alice"));
+  ASSERT_TRUE(second.SetCurrentUser(L"bob"));
+  ASSERT_TRUE(first.Update(L"password", L"first-pw"));
+  ASSERT_TRUE(second.UpdateForUser(L"alice", L"password", L"second-pw"));
+  EXPECT_EQ(first.Get(L"password"), L"first-pw");
+  EXPECT_EQ(second.GetForUser(L"alice", L"password"), L"second-pw");
+  ASSERT_TRUE(second.DeleteUser(L"alice"));
+  EXPECT_EQ(first.Get(L"password"), L"first-pw");
+  EXPECT_EQ(second.CurrentUser(), L"bob");
+}
+
+TEST(ProfileStore, DeletingAUserForgetsItEverywhereInTheStore) {
+  ProfileFixture fixture;
+  ProfileStore store = fixture.Store();
+  ASSERT_TRUE(store.UpdateForUser(L"alice", L"username", L"alice"));
+  ASSERT_TRUE(store.UpdateForUser(L"alicia", L"username", L"alicia"));
+  ASSERT_TRUE(store.SetCurrentUser(L"alice"));
+  ASSERT_TRUE(store.SetDefaultUser(L"alice"));
+  ASSERT_TRUE(store.DeleteUser(L"ALICE"));
+  EXPECT_EQ(store.CurrentUser(), L"");
+  EXPECT_EQ(store.DefaultUser(), L"");
+  EXPECT_EQ(store.Users(), std::vector<std::wstring>{L"alicia"});
+}
+
+TEST(ProfileStore, WithoutAnInstallationNameTheStoreIsClosed) {
+  ProfileFixture fixture;
+  ProfileStore store = fixture.Store(L"");
+  EXPECT_FALSE(store.available());
+  EXPECT_FALSE(store.SetCurrentUser(L"alice"));
+  EXPECT_FALSE(store.UpdateForUser(L"alice", L"username", L"alice"));
+  // Nothing may land in the shared Brennick key.
+  EXPECT_FALSE(fixture.Registry()->KeyExists(L"Software\\Brennick\\alice"));
+  EXPECT_EQ(fixture.Registry()->ReadString(L"Software\\Brennick", L"CurrentUser"), std::nullopt);
+}
+
+// Refuses every write, so the failure paths can be seen.
+class RefusingRegistry final : public platform::Registry {
+ public:
+  std::optional<std::wstring> ReadString(const std::wstring&, const std::wstring& name) override {
+    if (name == L"CurrentUser") return L"alice";
+    return std::nullopt;
+  }
+  bool WriteString(const std::wstring&, const std::wstring&, const std::wstring&) override {
+    return false;
+  }
+  std::optional<std::uint32_t> ReadDword(const std::wstring&, const std::wstring&) override {
+    return std::nullopt;
+  }
+  bool WriteDword(const std::wstring&, const std::wstring&, std::uint32_t) override {
+    return false;
+  }
+  bool DeleteValue(const std::wstring&, const std::wstring&) override { return false; }
+  bool DeleteKeyTree(const std::wstring&) override { return false; }
+  bool KeyExists(const std::wstring&) override { return false; }
+  std::vector<std::wstring> ListSubkeys(const std::wstring&) override { return {}; }
+  std::vector<std::wstring> ListValues(const std::wstring&) override { return {}; }
+};
+
+TEST(ProfileStore, AFailedWriteIsTracedByNameWithoutTheSecret) {
+  ProfileFixture fixture;
+  ProfileStore store(std::make_unique<RefusingRegistry>(), fixture.installation());
+  EXPECT_FALSE(store.Update(L"ProxyPass", L"s3cret-XYZ"));
+  EXPECT_FALSE(store.Update(L"password", L"s3cret-XYZ"));
+  std::string log = ReadFileBytes(platform::ToFsPath(foundation::TraceFilePath()));
+  EXPECT_NE(log.find("ProxyPass"), std::string::npos);
+  EXPECT_NE(log.find("[EXCEPTION] "), std::string::npos);
+  EXPECT_EQ(log.find("s3cret"), std::string::npos);
+  EXPECT_EQ(log.find(platform::WideToUtf8(ShiftCharacters(L"s3cret"))), std::string::npos);
+}
+
+TEST(ProfileShorthands, FollowTheLoadedInstallationOrElseTheConfiguration) {
+  ProfileFixture fixture;
+  ASSERT_TRUE(SetCurrentUserName(L"alice"));
+  ASSERT_TRUE(UpdateUserProfile(L"password", L"pw"));
+  ASSERT_TRUE(WriteDefaultUser(L"alice"));
+  EXPECT_EQ(fixture.Store().Get(L"password"), L"pw");
+  // Nothing loaded yet: the configuration file names the installation.
+  foundation::CurrentSettings().installation_name.clear();
+  EXPECT_EQ(GetUserProfile(L"password"), L"pw");
+  EXPECT_EQ(CurrentUserName(), L"alice");
+  EXPECT_EQ(DefaultUserName(), L"alice");
+  // A loaded name wins over the file.
+  foundation::CurrentSettings().installation_name = fixture.OtherInstallation();
+  EXPECT_EQ(GetUserProfile(L"password"), L"");
+  EXPECT_EQ(CurrentUserName(), L"");
+}
+
+}  // namespace
+}  // namespace tavrine::profile

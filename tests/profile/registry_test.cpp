@@ -1,0 +1,168 @@
+#include "platform/registry.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "platform/path.h"
+#include "profile/profile_fixture.h"
+#include "support/temp_folder.h"
+
+namespace tavrine::platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A throw-away key (real HKEY_CURRENT_USER under Wine) and store file (POSIX).
+class RegistrySeam : public ::testing::Test {
+ protected:
+  RegistrySeam()
+      : file_(FromFsPath(temp_.path() / "store.ini")),
+        key_(L"Software\\Brennick\\" + profile::ProfileFixture::FreshInstallationName()),
+        registry_(OpenCurrentUserRegistry(file_)) {}
+  ~RegistrySeam() override { registry_->DeleteKeyTree(key_); }
+
+  std::wstring Key(const std::wstring& below) const { return key_ + L"\\" + below; }
+  bool FileBacked() const { return fs::exists(temp_.path() / "store.ini"); }
+
+  testing::TempFolder temp_;
+  std::wstring file_;
+  std::wstring key_;
+  std::unique_ptr<Registry> registry_;
+};
+
+TEST_F(RegistrySeam, StringsRoundTripWhateverTheyHold) {
+  const std::wstring values[] = {
+      L"", L"plain", L"a=b", L"[Section]", L"%41%", L"#dword:5", L";comment", L"line\r\nbreak",
+      L"tab\there", L"  spaced  ", std::wstring(L"nul\0inside", 10), L"J\u00FCrgen \u20AC \u0416",
+      L"x\U0001F600y", std::wstring(10000, L'v'),
+  };
+  int index = 0;
+  for (const std::wstring& value : values) {
+    std::wstring name = L"v" + std::to_wstring(index++);
+    ASSERT_TRUE(registry_->WriteString(key_, name, value)) << ::testing::PrintToString(value);
+    EXPECT_EQ(registry_->ReadString(key_, name), value) << ::testing::PrintToString(value);
+  }
+}
+
+TEST_F(RegistrySeam, NamesWithFormatCharactersStayDistinct) {
+  const std::wstring names[] = {L"", L"a=b", L"a", L"[x]", L"%", L"%25", L"Default User name",
+                                L"\u00FCmlaut", L"#dword:1"};
+  for (const std::wstring& name : names) {
+    ASSERT_TRUE(registry_->WriteString(key_, name, L"value of " + name));
+  }
+  for (const std::wstring& name : names) {
+    EXPECT_EQ(registry_->ReadString(key_, name), L"value of " + name)
+        << ::testing::PrintToString(name);
+  }
+  EXPECT_EQ(registry_->ListValues(key_).size(), std::size(names));
+}
+
+TEST_F(RegistrySeam, KeyAndValueNamesIgnoreCaseAndOuterBackslashes) {
+  ASSERT_TRUE(registry_->WriteString(Key(L"J\u00FCrgen"), L"UserName", L"one"));
+  ASSERT_TRUE(registry_->WriteString(L"\\" + Key(L"J\u00DCRGEN") + L"\\", L"USERNAME", L"two"));
+  EXPECT_EQ(registry_->ReadString(Key(L"j\u00FCrgen"), L"username"), L"two");
+  EXPECT_EQ(registry_->ListSubkeys(key_), std::vector<std::wstring>{L"J\u00FCrgen"});
+  EXPECT_EQ(registry_->ListValues(Key(L"J\u00FCrgen")), std::vector<std::wstring>{L"UserName"});
+}
+
+TEST_F(RegistrySeam, MissingKeysAndValuesReadAsNothing) {
+  EXPECT_EQ(registry_->ReadString(Key(L"none"), L"x"), std::nullopt);
+  EXPECT_EQ(registry_->ReadDword(Key(L"none"), L"x"), std::nullopt);
+  EXPECT_FALSE(registry_->KeyExists(Key(L"none")));
+  EXPECT_TRUE(registry_->ListSubkeys(Key(L"none")).empty());
+  EXPECT_TRUE(registry_->ListValues(Key(L"none")).empty());
+  EXPECT_TRUE(registry_->DeleteValue(Key(L"none"), L"x"));
+  EXPECT_TRUE(registry_->DeleteKeyTree(Key(L"none")));
+}
+
+TEST_F(RegistrySeam, DwordsAndStringsAreDifferentTypes) {
+  for (std::uint32_t number : {0u, 1u, 0xFFFFFFFFu}) {
+    ASSERT_TRUE(registry_->WriteDword(key_, L"ProxyEnable", number));
+    EXPECT_EQ(registry_->ReadDword(key_, L"ProxyEnable"), number);
+  }
+  EXPECT_EQ(registry_->ReadString(key_, L"ProxyEnable"), std::nullopt);
+  ASSERT_TRUE(registry_->WriteString(key_, L"Text", L"1"));
+  EXPECT_EQ(registry_->ReadDword(key_, L"Text"), std::nullopt);
+}
+
+TEST_F(RegistrySeam, DeletingAKeyTreeTakesItsSubkeysButNotSiblingsWithTheSamePrefix) {
+  ASSERT_TRUE(registry_->WriteString(Key(L"ab\\deep\\deeper"), L"v", L"1"));
+  ASSERT_TRUE(registry_->WriteString(Key(L"ab"), L"v", L"2"));
+  ASSERT_TRUE(registry_->WriteString(Key(L"abc"), L"v", L"3"));
+  ASSERT_TRUE(registry_->WriteString(key_, L"v", L"4"));
+  EXPECT_TRUE(registry_->KeyExists(Key(L"ab\\deep")));
+
+  ASSERT_TRUE(registry_->DeleteKeyTree(Key(L"AB")));
+  EXPECT_FALSE(registry_->KeyExists(Key(L"ab")));
+  EXPECT_FALSE(registry_->KeyExists(Key(L"ab\\deep\\deeper")));
+  EXPECT_EQ(registry_->ReadString(Key(L"abc"), L"v"), L"3");
+  EXPECT_EQ(registry_->ReadString(key_, L"v"), L"4");
+  EXPECT_EQ(registry_->ListSubkeys(key_), std::vector<std::wstring>{L"abc"});
+}
+
+TEST_F(RegistrySeam, SubkeysAreListedOnceAtTheirOwnLevel) {
+  ASSERT_TRUE(registry_->WriteString(Key(L"one\\x"), L"v", L"1"));
+  ASSERT_TRUE(registry_->WriteString(Key(L"one\\y"), L"v", L"1"));
+  ASSERT_TRUE(registry_->WriteString(Key(L"two"), L"v", L"1"));
+  std::vector<std::wstring> subkeys = registry_->ListSubkeys(key_);
+  std::sort(subkeys.begin(), subkeys.end());
+  EXPECT_EQ(subkeys, (std::vector<std::wstring>{L"one", L"two"}));
+}
+
+TEST_F(RegistrySeam, DeletedValueIsGoneAndOthersStay) {
+  ASSERT_TRUE(registry_->WriteString(key_, L"keep", L"1"));
+  ASSERT_TRUE(registry_->WriteString(key_, L"drop", L"2"));
+  ASSERT_TRUE(registry_->DeleteValue(key_, L"DROP"));
+  EXPECT_EQ(registry_->ReadString(key_, L"drop"), std::nullopt);
+  EXPECT_EQ(registry_->ReadString(key_, L"keep"), L"1");
+}
+
+TEST_F(RegistrySeam, TheWholeTreeIsNeverDeleted) {
+  EXPECT_FALSE(registry_->DeleteKeyTree(L""));
+  EXPECT_FALSE(registry_->DeleteKeyTree(L"\\"));
+}
+
+TEST_F(RegistrySeam, AnotherOpeningSeesWritesAtOnce) {
+  ASSERT_TRUE(registry_->WriteString(key_, L"v", L"first"));
+  std::unique_ptr<Registry> other = OpenCurrentUserRegistry(file_);
+  ASSERT_TRUE(other->WriteString(key_, L"v", L"second"));
+  EXPECT_EQ(registry_->ReadString(key_, L"v"), L"second");
+}
+
+TEST_F(RegistrySeam, StoreFileIsPrivateAndReplacedWithoutLeftovers) {
+  ASSERT_TRUE(registry_->WriteString(key_, L"v", L"1"));
+  if (!FileBacked()) GTEST_SKIP() << "kept in the registry here";
+  fs::path file = temp_.path() / "store.ini";
+  // Even a file someone widened is written back private.
+  fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read |
+                            fs::perms::others_read);
+  ASSERT_TRUE(registry_->WriteString(key_, L"v", L"2"));
+  EXPECT_EQ(fs::status(file).permissions() & fs::perms::all,
+            fs::perms::owner_read | fs::perms::owner_write);
+  int entries = 0;
+  for ([[maybe_unused]] const auto& entry : fs::directory_iterator(temp_.path())) ++entries;
+  EXPECT_EQ(entries, 1);
+}
+
+TEST_F(RegistrySeam, DamagedStoreFileKeepsWhatCanStillBeRead) {
+  ASSERT_TRUE(registry_->WriteString(key_, L"good", L"kept"));
+  if (!FileBacked()) GTEST_SKIP() << "kept in the registry here";
+  fs::path file = temp_.path() / "store.ini";
+  std::string bytes = testing::ReadFileBytes(file);
+  testing::WriteFileBytes(file, bytes + "garbage without equals\n[unterminated\nx=y\n\xFF\xFE\x01\n" +
+                                    "[" + WideToUtf8(key_) + "]\ngood=second copy loses\n");
+  EXPECT_EQ(registry_->ReadString(key_, L"good"), L"kept");
+  ASSERT_TRUE(registry_->WriteString(key_, L"more", L"1"));
+  EXPECT_EQ(registry_->ReadString(key_, L"good"), L"kept");
+}
+
+TEST_F(RegistrySeam, UnwritableStoreReportsFailure) {
+  std::unique_ptr<Registry> nowhere = OpenCurrentUserRegistry(L"");
+  if (nowhere->WriteString(key_, L"v", L"1")) GTEST_SKIP() << "kept in the registry here";
+  EXPECT_EQ(nowhere->ReadString(key_, L"v"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace tavrine::platform

@@ -1,0 +1,103 @@
+#include <gtest/gtest.h>
+
+#include "foundation/settings.h"
+#include "platform/ini_file.h"
+#include "platform/path.h"
+#include "profile/profile_fixture.h"
+#include "profile/user_list.h"
+#include "profile/user_name_ini.h"
+#include "support/temp_folder.h"
+
+namespace tavrine::profile {
+namespace {
+
+using testing::ReadFileBytes;
+using testing::WriteFileBytes;
+
+TEST(UserNameIni, RandomNumberIsKeptPerInstallationUnderItsOwnKey) {
+  ProfileFixture fixture;
+  ASSERT_TRUE(WriteStoredRandomNumber(L"12725534099"));
+  EXPECT_EQ(ReadStoredRandomNumber(), L"12725534099");
+  EXPECT_EQ(platform::ReadIniString(L"Registry",
+                                    fixture.installation() + L" client system random number",
+                                    foundation::UserNameIniPath()),
+            L"12725534099");
+  foundation::CurrentSettings().installation_name = fixture.OtherInstallation();
+  EXPECT_EQ(ReadStoredRandomNumber(), L"");
+}
+
+TEST(UserNameIni, WithoutAnInstallationNameNoRandomNumberIsKept) {
+  testing::InstallFolder install;
+  EXPECT_FALSE(WriteStoredRandomNumber(L"1"));
+  EXPECT_EQ(ReadStoredRandomNumber(), L"");
+  EXPECT_EQ(ReadFileBytes(install.path() / "UserName.ini"), "");
+}
+
+TEST(UserNameIni, VirtualPathAndUserNameRoundTripBesideOtherKeys) {
+  ProfileFixture fixture;
+  fixture.install().WriteUserNameIni("[Registry]\r\nUserName=  HOMEPC  \r\nOther=kept\r\n");
+  EXPECT_EQ(ReadUserNameIniUserName(), L"HOMEPC");
+  ASSERT_TRUE(WriteVirtualPath(fixture.install().wpath()));
+  ASSERT_TRUE(WriteUserNameIniUserName(L"OFFICE"));
+  EXPECT_EQ(ReadVirtualPath(), fixture.install().wpath());
+  EXPECT_EQ(ReadUserNameIniUserName(), L"OFFICE");
+  EXPECT_EQ(platform::ReadIniString(L"Registry", L"Other", foundation::UserNameIniPath()), L"kept");
+}
+
+TEST(UserList, AddsOnceWhateverTheCaseAndKeepsTheOrder) {
+  testing::InstallFolder install;
+  for (const wchar_t* user : {L"alice", L"J\u00FCrgen", L"ALICE", L"j\u00DCRGEN", L"\u0416\u0435\u043D\u044F",
+                              L"bob"}) {
+    EXPECT_TRUE(AddToUserList(user));
+  }
+  EXPECT_EQ(ReadUserList(), (std::vector<std::wstring>{L"alice", L"J\u00FCrgen",
+                                                       L"\u0416\u0435\u043D\u044F", L"bob"}));
+  EXPECT_TRUE(RemoveFromUserList(L"J\u00DCRGEN"));
+  EXPECT_TRUE(RemoveFromUserList(L"nobody"));
+  EXPECT_EQ(ReadUserList(),
+            (std::vector<std::wstring>{L"alice", L"\u0416\u0435\u043D\u044F", L"bob"}));
+}
+
+TEST(UserList, RefusedNamesAreNeverListed) {
+  testing::InstallFolder install;
+  for (const wchar_t* user : {L"", L"..", L"a\\b", L"x=y\r\nUser9=evil", L"a/b"}) {
+    EXPECT_FALSE(AddToUserList(user)) << ::testing::PrintToString(user);
+  }
+  EXPECT_TRUE(ReadUserList().empty());
+}
+
+TEST(UserList, FileStatesCountAndOneKeyPerUser) {
+  testing::InstallFolder install;
+  ASSERT_TRUE(AddToUserList(L"alice"));
+  ASSERT_TRUE(AddToUserList(L"J\u00FCrgen"));
+  EXPECT_EQ(ReadFileBytes(install.path() / "userlist.ini"),
+            testing::Utf16LeFile(L"[Users]\r\nCount=2\r\nUser1=alice\r\nUser2=J\u00FCrgen\r\n"));
+}
+
+TEST(UserList, DamagedOrHandWrittenFilesGiveTheValidNames) {
+  struct Case {
+    std::string bytes;
+    std::vector<std::wstring> users;
+  } cases[] = {
+      {"", {}},
+      {std::string("\xFF\xFE\x00", 3), {}},
+      {"\x01\x02garbage\xFF", {}},
+      // ANSI, hand-written: stale count, gaps, case and order of keys, a duplicate, a refused name.
+      {"[users]\r\nCount=1\r\nUser3 = carol \r\nuser1=alice\r\nUser2=..\r\nUser4=ALICE\r\n"
+       "User7=\xE9mile\r\n[Other]\r\nUser5=dave\r\n",
+       {L"alice", L"carol", L"\u00E9mile"}},
+      {"[Users]\r\nUser0=zero\r\nUserX=x\r\nUser=y\r\nUser99999999999=big\r\n", {}},
+  };
+  for (const Case& c : cases) {
+    testing::InstallFolder install;
+    WriteFileBytes(install.path() / "userlist.ini", c.bytes);
+    EXPECT_EQ(ReadUserList(), c.users) << ::testing::PrintToString(c.bytes);
+    ASSERT_TRUE(AddToUserList(L"zed"));
+    std::vector<std::wstring> expected = c.users;
+    expected.push_back(L"zed");
+    EXPECT_EQ(ReadUserList(), expected);
+  }
+}
+
+}  // namespace
+}  // namespace tavrine::profile
