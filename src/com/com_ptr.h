@@ -71,6 +71,8 @@ class UniqueBstr {
     reset();
     return &value_;
   }
+  // For an [in, out] argument: the callee may replace the string in place.
+  BSTR* addressof() noexcept { return &value_; }
   BSTR release() noexcept { return std::exchange(value_, nullptr); }
   void reset(BSTR replacement = nullptr) noexcept {
     if (BSTR old = std::exchange(value_, replacement)) SysFreeString(old);

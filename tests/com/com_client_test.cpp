@@ -1,0 +1,445 @@
+// A COM client of TavrinEUI.dll under Wine: registration, creation, the
+// late-bound surface as VB6 and scripts use it, and the module count.
+#include <windows.h>
+#include <objbase.h>
+#include <oleauto.h>
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "TavrinEUI.h"
+#include "com/com_ptr.h"
+#include "foundation/trace_log.h"
+#include "support/temp_folder.h"
+#include "tlbdump/tlb_dump.h"
+
+namespace {
+
+using tavrine::com::ComPtr;
+using tavrine::com::MakeBstr;
+using tavrine::com::UniqueBstr;
+using tavrine::com::UniqueHkey;
+using tavrine::com::UniqueVariant;
+
+using ExportFunction = HRESULT(STDAPICALLTYPE*)();
+using GetClassObjectFunction = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
+
+struct ClassRow {
+  const wchar_t* prog_id;
+  const CLSID* clsid;
+  const IID* iid;
+};
+const ClassRow kClassRows[] = {
+    {L"TavrinEUI.UICommands", &CLSID_UICommands, &IID__UICommands},
+    {L"TavrinEUI.TavrinEenum", &CLSID_TavrinEenum, &IID__TavrinEenum},
+    {L"TavrinEUI.clsAPI_Interface", &CLSID_clsAPI_Interface, &IID__clsAPI_Interface},
+    {L"TavrinEUI.clsClient", &CLSID_clsClient, &IID__clsClient},
+    {L"TavrinEUI.CRestore", &CLSID_CRestore, &IID__CRestore},
+    {L"TavrinEUI.CBackup", &CLSID_CBackup, &IID__CBackup},
+};
+
+std::wstring GuidText(const GUID& guid) {
+  wchar_t buffer[40] = {};
+  StringFromGUID2(guid, buffer, 40);
+  return buffer;
+}
+
+// The default value of HKCR\<subkey> (or the named value); nullopt-like "\x1" when absent.
+const std::wstring kMissing = L"<missing>";
+std::wstring ReadClassesValue(const std::wstring& subkey, const wchar_t* name = nullptr) {
+  UniqueHkey key;
+  if (RegOpenKeyExW(HKEY_CLASSES_ROOT, subkey.c_str(), 0, KEY_QUERY_VALUE, key.put()) != ERROR_SUCCESS)
+    return kMissing;
+  wchar_t buffer[1024] = {};
+  DWORD size = sizeof(buffer) - sizeof(wchar_t);
+  DWORD type = 0;
+  if (RegQueryValueExW(key.get(), name, nullptr, &type, reinterpret_cast<BYTE*>(buffer), &size) != ERROR_SUCCESS)
+    return kMissing;
+  return buffer;
+}
+bool ClassesKeyExists(const std::wstring& subkey) {
+  UniqueHkey key;
+  return RegOpenKeyExW(HKEY_CLASSES_ROOT, subkey.c_str(), 0, KEY_QUERY_VALUE, key.put()) == ERROR_SUCCESS;
+}
+
+// The DLL loaded once for the whole program, registered for the tests and
+// unregistered at the end.
+class Server {
+ public:
+  static Server& Get() {
+    static Server server;
+    return server;
+  }
+  std::wstring path;
+  HMODULE module = nullptr;
+  ExportFunction can_unload_now = nullptr;
+  ExportFunction register_server = nullptr;
+  ExportFunction unregister_server = nullptr;
+  GetClassObjectFunction get_class_object = nullptr;
+
+ private:
+  Server() {
+    path = (tavrine::testing::TestProgramFolder() / L"TavrinEUI.dll").wstring();
+    module = LoadLibraryW(path.c_str());
+    if (!module) return;
+    can_unload_now = Export<ExportFunction>("DllCanUnloadNow");
+    register_server = Export<ExportFunction>("DllRegisterServer");
+    unregister_server = Export<ExportFunction>("DllUnregisterServer");
+    get_class_object = Export<GetClassObjectFunction>("DllGetClassObject");
+  }
+  template <class Function>
+  Function Export(const char* name) const {
+    // Through void*: FARPROC's own signature is meaningless.
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+  }
+};
+
+class ComEnvironment : public ::testing::Environment {
+ public:
+  void SetUp() override {
+    ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)));
+    Server& server = Server::Get();
+    ASSERT_NE(server.module, nullptr) << "cannot load TavrinEUI.dll";
+    ASSERT_EQ(server.register_server(), S_OK);
+  }
+  void TearDown() override {
+    EXPECT_EQ(Server::Get().unregister_server(), S_OK);
+    CoUninitialize();
+  }
+};
+const auto* const kEnvironment = ::testing::AddGlobalTestEnvironment(new ComEnvironment);
+
+// Every test ends with no object, factory or lock alive: a reference leak
+// anywhere shows here.
+class ComTest : public ::testing::Test {
+ protected:
+  void TearDown() override { EXPECT_EQ(Server::Get().can_unload_now(), S_OK) << "a COM reference leaked"; }
+
+  static ComPtr<IDispatch> Create(const wchar_t* prog_id) {
+    CLSID clsid{};
+    ComPtr<IDispatch> object;
+    EXPECT_EQ(CLSIDFromProgID(prog_id, &clsid), S_OK) << prog_id;
+    EXPECT_EQ(CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void()), S_OK);
+    return object;
+  }
+  static DISPID IdOf(IDispatch* object, const wchar_t* name) {
+    DISPID id = DISPID_UNKNOWN;
+    LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
+    EXPECT_EQ(object->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), S_OK) << name;
+    return id;
+  }
+  // Invoke by name; `args` in call order (reversed for DISPPARAMS here).
+  static HRESULT CallByName(IDispatch* object, const wchar_t* name, std::vector<VARIANT> args, VARIANT* result) {
+    std::vector<VARIANT> reversed(args.rbegin(), args.rend());
+    DISPPARAMS params{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
+    UINT arg_error = 0;
+    return object->Invoke(IdOf(object, name), IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, result,
+                          nullptr, &arg_error);
+  }
+  static VARIANT ByValBstr(BSTR value) {
+    VARIANT v;
+    V_VT(&v) = VT_BSTR;
+    V_BSTR(&v) = value;
+    return v;
+  }
+  static VARIANT ByValI4(LONG value) {
+    VARIANT v;
+    V_VT(&v) = VT_I4;
+    V_I4(&v) = value;
+    return v;
+  }
+  static VARIANT ByRefBstr(BSTR* value) {
+    VARIANT v;
+    V_VT(&v) = VT_BYREF | VT_BSTR;
+    V_BSTRREF(&v) = value;
+    return v;
+  }
+  static VARIANT ByRefI4(LONG* value) {
+    VARIANT v;
+    V_VT(&v) = VT_BYREF | VT_I4;
+    V_I4REF(&v) = value;
+    return v;
+  }
+};
+
+TEST_F(ComTest, registration_writes_class_progid_interface_and_typelib_keys) {
+  const std::wstring dll = Server::Get().path;
+  for (const ClassRow& row : kClassRows) {
+    SCOPED_TRACE(row.prog_id);
+    const std::wstring clsid = L"CLSID\\" + GuidText(*row.clsid);
+    EXPECT_EQ(_wcsicmp(ReadClassesValue(clsid + L"\\InprocServer32").c_str(), dll.c_str()), 0);
+    EXPECT_EQ(ReadClassesValue(clsid + L"\\InprocServer32", L"ThreadingModel"), L"Apartment");
+    EXPECT_EQ(ReadClassesValue(clsid + L"\\ProgID"), row.prog_id);
+    EXPECT_EQ(ReadClassesValue(std::wstring(row.prog_id) + L"\\CLSID"), GuidText(*row.clsid));
+    const std::wstring iface = L"Interface\\" + GuidText(*row.iid);
+    EXPECT_EQ(ReadClassesValue(iface + L"\\ProxyStubClsid32"), L"{00020424-0000-0000-C000-000000000046}");
+    EXPECT_EQ(ReadClassesValue(iface + L"\\TypeLib"), GuidText(LIBID_TavrinEUI));
+  }
+  EXPECT_TRUE(ClassesKeyExists(L"TypeLib\\" + GuidText(LIBID_TavrinEUI) + L"\\1.0\\409\\win64"));
+}
+
+TEST_F(ComTest, unregister_removes_every_key_and_is_repeatable) {
+  ASSERT_EQ(Server::Get().unregister_server(), S_OK);
+  for (const ClassRow& row : kClassRows) {
+    SCOPED_TRACE(row.prog_id);
+    EXPECT_FALSE(ClassesKeyExists(L"CLSID\\" + GuidText(*row.clsid)));
+    EXPECT_FALSE(ClassesKeyExists(row.prog_id));
+    EXPECT_FALSE(ClassesKeyExists(L"Interface\\" + GuidText(*row.iid)));
+  }
+  EXPECT_FALSE(ClassesKeyExists(L"TypeLib\\" + GuidText(LIBID_TavrinEUI)));
+  CLSID clsid{};
+  EXPECT_NE(CLSIDFromProgID(L"TavrinEUI.clsClient", &clsid), S_OK);
+  EXPECT_EQ(Server::Get().unregister_server(), S_OK) << "unregistering twice";
+  ASSERT_EQ(Server::Get().register_server(), S_OK);
+  ASSERT_EQ(Server::Get().register_server(), S_OK) << "registering over an existing registration";
+  EXPECT_TRUE(ClassesKeyExists(L"CLSID\\" + GuidText(CLSID_clsClient) + L"\\InprocServer32"));
+}
+
+TEST_F(ComTest, every_class_is_created_by_clsid_and_by_progid_and_answers_its_interfaces) {
+  for (const ClassRow& row : kClassRows) {
+    SCOPED_TRACE(row.prog_id);
+    CLSID from_prog_id{};
+    ASSERT_EQ(CLSIDFromProgID(row.prog_id, &from_prog_id), S_OK);
+    EXPECT_TRUE(IsEqualCLSID(from_prog_id, *row.clsid));
+
+    ComPtr<IUnknown> object;
+    ASSERT_EQ(CoCreateInstance(*row.clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, object.put_void()), S_OK);
+    ComPtr<IDispatch> dispatch;
+    ComPtr<IUnknown> default_interface;
+    ComPtr<IUnknown> identity;
+    ComPtr<IUnknown> other;
+    EXPECT_EQ(object.As(IID_IDispatch, dispatch), S_OK);
+    EXPECT_EQ(object.As(*row.iid, default_interface), S_OK);
+    EXPECT_EQ(default_interface.As(IID_IUnknown, identity), S_OK);
+    EXPECT_EQ(identity.get(), object.get()) << "IUnknown identity";
+    EXPECT_EQ(object.As(IID_IClassFactory, other), E_NOINTERFACE);
+    EXPECT_EQ(other.get(), nullptr);
+
+    UINT count = 0;
+    ComPtr<ITypeInfo> info;
+    EXPECT_EQ(dispatch->GetTypeInfoCount(&count), S_OK);
+    EXPECT_EQ(count, 1u);
+    ASSERT_EQ(dispatch->GetTypeInfo(0, LOCALE_USER_DEFAULT, info.put()), S_OK);
+    TYPEATTR* attr = nullptr;
+    ASSERT_EQ(info->GetTypeAttr(&attr), S_OK);
+    EXPECT_TRUE(IsEqualIID(attr->guid, *row.iid));
+    info->ReleaseTypeAttr(attr);
+  }
+}
+
+TEST_F(ComTest, class_factory_refuses_aggregation_and_unknown_classes) {
+  ComPtr<IClassFactory> factory;
+  ASSERT_EQ(CoGetClassObject(CLSID_CBackup, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory, factory.put_void()),
+            S_OK);
+  ComPtr<IUnknown> object;
+  EXPECT_EQ(factory->CreateInstance(reinterpret_cast<IUnknown*>(factory.get()), IID_IUnknown, object.put_void()),
+            CLASS_E_NOAGGREGATION);
+  EXPECT_EQ(object.get(), nullptr);
+  factory.reset();
+
+  ComPtr<IUnknown> none;
+  EXPECT_EQ(Server::Get().get_class_object(IID_IDispatch, IID_IClassFactory, none.put_void()),
+            CLASS_E_CLASSNOTAVAILABLE);
+  EXPECT_EQ(none.get(), nullptr);
+}
+
+TEST_F(ComTest, module_stays_in_use_while_an_object_or_a_lock_lives) {
+  ExportFunction can_unload = Server::Get().can_unload_now;
+  ComPtr<IDispatch> object = Create(L"TavrinEUI.TavrinEenum");
+  EXPECT_EQ(can_unload(), S_FALSE);
+  object.reset();
+  EXPECT_EQ(can_unload(), S_OK);
+
+  ComPtr<IClassFactory> factory;
+  ASSERT_EQ(CoGetClassObject(CLSID_CRestore, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory, factory.put_void()),
+            S_OK);
+  EXPECT_EQ(factory->LockServer(TRUE), S_OK);
+  factory.reset();
+  EXPECT_EQ(can_unload(), S_FALSE) << "a server lock outlives its factory";
+  ASSERT_EQ(CoGetClassObject(CLSID_CRestore, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory, factory.put_void()),
+            S_OK);
+  EXPECT_EQ(factory->LockServer(FALSE), S_OK);
+  factory.reset();
+  EXPECT_EQ(can_unload(), S_OK);
+}
+
+TEST_F(ComTest, names_resolve_to_the_published_dispids_with_the_gaps_kept) {
+  const struct {
+    const wchar_t* prog_id;
+    const wchar_t* name;
+    DISPID id;
+  } rows[] = {
+      {L"TavrinEUI.TavrinEenum", L"GetNextVersion", 0x60030007},
+      {L"TavrinEUI.TavrinEenum", L"GetFileVersion", 0x60030009},
+      {L"TavrinEUI.TavrinEenum", L"GetMultiplePCInfo", 0x6003000C},
+      {L"TavrinEUI.TavrinEenum", L"IsItemExists", 0x6003000E},
+      {L"TavrinEUI.CBackup", L"W_BackupExitInstance", 0x60030003},
+      {L"TavrinEUI.CBackup", L"DisableScheduleBackup", 0x60030005},
+      {L"TavrinEUI.UICommands", L"w_getmessageinfo", 0x60030008},  // names are case-insensitive
+      {L"TavrinEUI.clsClient", L"WriteDLLInputFileTempFdPC", 0x60030015},
+      {L"TavrinEUI.clsAPI_Interface", L"API_AutoMultipleServerSupport", 0x60030009},
+      {L"TavrinEUI.CRestore", L"W_GetVersions", 0x60030001},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    ComPtr<IDispatch> object = Create(row.prog_id);
+    EXPECT_EQ(IdOf(object.get(), row.name), row.id);
+  }
+  ComPtr<IDispatch> object = Create(L"TavrinEUI.UICommands");
+  DISPID id = 0;
+  LPOLESTR unknown[] = {const_cast<LPOLESTR>(L"GetFileVersion")};  // a member of another interface
+  EXPECT_EQ(object->GetIDsOfNames(IID_NULL, unknown, 1, LOCALE_USER_DEFAULT, &id), DISP_E_UNKNOWNNAME);
+}
+
+TEST_F(ComTest, typed_by_reference_arguments_are_read_and_written_as_vb6_passes_them) {
+  ComPtr<IDispatch> commands = Create(L"TavrinEUI.UICommands");
+  // A known code: the text comes back through the BSTR reference.
+  UniqueBstr text = MakeBstr(L"poison");
+  UniqueVariant result;
+  ASSERT_EQ(CallByName(commands.get(), L"W_GetMessageString", {ByValI4(-424), ByRefBstr(text.addressof())}, result.get()),
+            S_OK);
+  ASSERT_EQ(V_VT(result.get()), VT_I4);
+  EXPECT_EQ(V_I4(result.get()), 1);
+  EXPECT_FALSE(text.view().empty());
+  EXPECT_NE(text.view(), L"poison");
+
+  // An unknown code leaves the caller's string alone: the same BSTR, not a copy.
+  UniqueBstr kept = MakeBstr(L"unchanged");
+  BSTR before = kept.get();
+  ASSERT_EQ(CallByName(commands.get(), L"W_GetMessageString", {ByValI4(-402), ByRefBstr(kept.addressof())},
+                       result.put()),
+            S_OK);
+  EXPECT_EQ(V_I4(result.get()), 0);
+  EXPECT_EQ(kept.get(), before);
+  EXPECT_EQ(kept.view(), L"unchanged");
+
+  // A long by reference on a method without a portable implementation yet:
+  // failure result, the caller's value untouched.
+  ComPtr<IDispatch> backup = Create(L"TavrinEUI.CBackup");
+  LONG code = 77;
+  ASSERT_EQ(CallByName(backup.get(), L"W_DoBackup", {ByRefI4(&code)}, result.put()), S_OK);
+  EXPECT_EQ(V_I4(result.get()), -1);
+  EXPECT_EQ(code, 77);
+
+  // A by-reference variant for a typed parameter is what a script passes: refused.
+  UniqueVariant script_variable;
+  VARIANT by_ref_variant;
+  V_VT(&by_ref_variant) = VT_BYREF | VT_VARIANT;
+  V_VARIANTREF(&by_ref_variant) = script_variable.get();
+  EXPECT_EQ(CallByName(commands.get(), L"W_GetMessageString", {ByValI4(-424), by_ref_variant}, result.put()),
+            DISP_E_TYPEMISMATCH);
+}
+
+TEST_F(ComTest, message_info_takes_two_arguments_or_three) {
+  ComPtr<IDispatch> commands = Create(L"TavrinEUI.UICommands");
+  UniqueBstr title = MakeBstr(L"poison");
+  UniqueVariant result;
+  ASSERT_EQ(CallByName(commands.get(), L"W_GetMessageInfo", {ByValI4(-504), ByRefBstr(title.addressof())},
+                       result.get()),
+            S_OK);
+  EXPECT_EQ(V_I4(result.get()), 0);
+  EXPECT_TRUE(title.view().empty()) << "the title is cleared first";
+
+  short type = 99;
+  VARIANT type_ref;
+  V_VT(&type_ref) = VT_BYREF | VT_I2;
+  V_I2REF(&type_ref) = &type;
+  ASSERT_EQ(CallByName(commands.get(), L"W_GetMessageInfo", {ByValI4(-412), ByRefBstr(title.addressof()), type_ref},
+                       result.put()),
+            S_OK);
+  EXPECT_EQ(V_I4(result.get()), 1);
+  EXPECT_EQ(type, 1);
+
+  // Early bound, the optional pointer may be left out.
+  ComPtr<_UICommands> early;
+  ASSERT_EQ(commands.As(IID__UICommands, early), S_OK);
+  LONG found = -7;
+  EXPECT_EQ(early->W_GetMessageInfo(-415, title.addressof(), nullptr, &found), S_OK);
+  EXPECT_EQ(found, 1);
+}
+
+TEST_F(ComTest, exit_instance_has_no_result_and_methods_without_result_leave_it_empty) {
+  ComPtr<IDispatch> enumerator = Create(L"TavrinEUI.TavrinEenum");
+  UniqueVariant result;
+  EXPECT_EQ(CallByName(enumerator.get(), L"TavrinEExitInstance", {}, result.get()), S_OK);
+  EXPECT_EQ(V_VT(result.get()), VT_EMPTY);
+  // One argument too many is the caller's error, not a crash.
+  EXPECT_EQ(CallByName(enumerator.get(), L"TavrinEExitInstance", {ByValI4(1)}, result.put()), DISP_E_BADPARAMCOUNT);
+
+  ComPtr<IDispatch> client = Create(L"TavrinEUI.clsClient");
+  UniqueBstr address = MakeBstr(L"10.1.2.3");
+  EXPECT_EQ(CallByName(client.get(), L"SetIPAddress", {ByValBstr(address.get())}, result.put()), S_OK);
+  EXPECT_EQ(V_VT(result.get()), VT_EMPTY);
+}
+
+TEST_F(ComTest, early_bound_calls_check_pointers_and_fill_results) {
+  ComPtr<_clsClient> client;
+  ASSERT_EQ(CoCreateInstance(CLSID_clsClient, nullptr, CLSCTX_INPROC_SERVER, IID__clsClient, client.put_void()),
+            S_OK);
+  EXPECT_EQ(client->GetCurrentUser(nullptr), E_POINTER);
+  EXPECT_EQ(client->ReadDLLOutputFile(nullptr, nullptr, nullptr), E_POINTER);
+  EXPECT_EQ(client->LoadProxySettings(nullptr), E_POINTER);
+
+  BSTR random = reinterpret_cast<BSTR>(0x1);  // poisoned [out]: must be overwritten, not freed
+  ASSERT_EQ(client->GetMachineRandomNumber(&random), S_OK);
+  UniqueBstr owned(random);
+  EXPECT_NE(random, reinterpret_cast<BSTR>(0x1));
+
+  // A record by reference: every BSTR field comes back valid.
+  Proxy_Settings settings{};
+  settings.IPText = MakeBstr(L"old-host").release();
+  ASSERT_EQ(client->LoadProxySettings(&settings), S_OK);
+  for (BSTR field : {settings.IPText, settings.ProxyPort, settings.sUsername, settings.sPassword}) {
+    EXPECT_NE(field, nullptr);
+    SysFreeString(field);
+  }
+
+  ComPtr<_TavrinEenum> enumerator;
+  ASSERT_EQ(CoCreateInstance(CLSID_TavrinEenum, nullptr, CLSCTX_INPROC_SERVER, IID__TavrinEenum,
+                             enumerator.put_void()),
+            S_OK);
+  TavrinE_WIN32_FIND_DATA data{};
+  data.nVersion = 5;
+  LONG next = 0;
+  EXPECT_EQ(enumerator->TavrinENextFile(nullptr, &next), E_POINTER);
+  EXPECT_EQ(enumerator->TavrinENextFile(&data, &next), S_OK);
+  EXPECT_EQ(next, -1);
+  EXPECT_EQ(data.nVersion, 5) << "a call that did not run leaves the record alone";
+}
+
+TEST_F(ComTest, methods_without_a_portable_implementation_say_so_in_the_trace) {
+  ComPtr<IDispatch> restore = Create(L"TavrinEUI.CRestore");
+  UniqueBstr name = MakeBstr(L"C:\\file.txt");
+  UniqueVariant result;
+  ASSERT_EQ(CallByName(restore.get(), L"W_GetVersions", {ByValBstr(name.get())}, result.get()), S_OK);
+  EXPECT_EQ(V_I4(result.get()), -1);
+
+  std::ifstream trace(std::filesystem::path(tavrine::foundation::TraceFilePath()), std::ios::binary);
+  ASSERT_TRUE(trace) << "no trace file";
+  std::stringstream content;
+  content << trace.rdbuf();
+  EXPECT_NE(content.str().find("W_GetVersions : not available"), std::string::npos);
+}
+
+TEST_F(ComTest, embedded_type_library_matches_the_golden_listing) {
+  std::string listing = tavrine::tlbdump::DumpTypeLibraryFile(Server::Get().path);
+  std::ifstream golden_file(std::filesystem::path(TAVRINE_COM_GOLDEN), std::ios::binary);
+  ASSERT_TRUE(golden_file) << "cannot open " << TAVRINE_COM_GOLDEN;
+  std::stringstream golden;
+  golden << golden_file.rdbuf();
+  std::istringstream actual_lines(listing), golden_lines(golden.str());
+  std::string actual_line, golden_line;
+  for (int number = 1;; ++number) {
+    bool has_actual = static_cast<bool>(std::getline(actual_lines, actual_line));
+    bool has_golden = static_cast<bool>(std::getline(golden_lines, golden_line));
+    if (!has_actual && !has_golden) break;
+    ASSERT_EQ(has_actual ? actual_line : "<end>", has_golden ? golden_line : "<end>") << "line " << number;
+  }
+}
+
+}  // namespace
