@@ -20,6 +20,7 @@ class ClsClientTest : public ::testing::Test {
  protected:
   void SetUp() override {
     install_.WriteStandardConfiguration();
+    testing::ResetProfileStore();
     profile::SetCurrentUserName(L"abc");
     profile::UpdateUserProfile(L"username", L"abc");
     profile::UpdateUserProfile(L"password", L"");
@@ -31,6 +32,8 @@ class ClsClientTest : public ::testing::Test {
     folder_ = install_.wpath() + platform::kPathSeparator + L"ex change";
     std::filesystem::create_directories(platform::ToFsPath(folder_));
   }
+
+  void TearDown() override { testing::ResetProfileStore(); }
 
   std::string Request() const {
     return ReadFileBytes(platform::ToFsPath(folder_) / "DLLInput.txt");
@@ -108,7 +111,7 @@ TEST_F(ClsClientTest, WriteDllInputFileNeverWritesAndLogsWhy) {
   std::filesystem::create_directories(platform::ToFsPath(user_folder));
   client_.WriteDLLInputFile(SampleProxy());
   EXPECT_FALSE(std::filesystem::exists(platform::ToFsPath(user_folder) / "DLLInput.txt"));
-  std::string log = ReadFileBytes(install_.path() / "Log" / "TavrinEUI.txt");
+  std::string log = ReadFileBytes(install_.path() / "Log" / "TavrinETestUI.txt");
   EXPECT_NE(log.find("[EXCEPTION] clsClient :: WriteDLLInputFile() : File not found"),
             std::string::npos);
 }

@@ -24,7 +24,7 @@ TEST(Trace, FirstEntryCreatesTheLogFolderAndDatesTheLine) {
   install.WriteStandardConfiguration();
   install.clock().SetNow({2011, 7, 4, 18, 5, 9, 0});
   Trace(L"hello");
-  EXPECT_EQ(ReadFileBytes(LogFile(install, "TavrinEUI.txt")), "07-04-2011 18:05:09 hello\r\n");
+  EXPECT_EQ(ReadFileBytes(LogFile(install, "TavrinETestUI.txt")), "07-04-2011 18:05:09 hello\r\n");
 }
 
 TEST(Trace, EntriesAppendInOrderAndAnEmptyMessageKeepsItsBlank) {
@@ -34,7 +34,7 @@ TEST(Trace, EntriesAppendInOrderAndAnEmptyMessageKeepsItsBlank) {
   Trace(L"first");
   Trace(L"");
   Trace(L"third");
-  EXPECT_EQ(ReadFileBytes(LogFile(install, "TavrinEUI.txt")),
+  EXPECT_EQ(ReadFileBytes(LogFile(install, "TavrinETestUI.txt")),
             "12-31-2024 03:04:05 first\r\n12-31-2024 03:04:05 \r\n12-31-2024 03:04:05 third\r\n");
 }
 

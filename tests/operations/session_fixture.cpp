@@ -3,6 +3,7 @@
 #include "foundation/file_system.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
+#include "support/install_folder.h"
 
 namespace tavrine::testing {
 
@@ -13,7 +14,7 @@ EngineInstallOptions Options() {
   options.aliases = {L"TavrinEClsClient.exe"};
   options.configuration_ini =
       "[ProductInfo]\r\nProductNumber=7\r\nProductName=TavrinE\r\n"
-      "ProductInstallationName=TavrinE\r\nProductTreeViewName=TavrinE Backup\r\n"
+      "ProductInstallationName=TavrinETest\r\nProductTreeViewName=TavrinE Backup\r\n"
       "Language=English\r\nProductCaption=TavrinE Online Backup\r\nExeGroup=TavrinE\r\n"
       "[ConnectionInfo]\r\nDomainName=localhost\r\nIPAddress1=127.0.0.1\r\nPort=443\r\n"
       "EngineTimeoutSeconds=20\r\n";
@@ -29,6 +30,7 @@ void SessionTest::SetUp() {
   seams.ui = &ui_;
   seams_.emplace(seams);
   foundation::CurrentSettings() = foundation::Settings{};
+  ResetProfileStore();
   profile::SetCurrentUserName(L"alice");
   profile::UpdateUserProfile(L"username", L"alice");
   profile::UpdateUserProfile(L"password", L"pw");
@@ -36,8 +38,10 @@ void SessionTest::SetUp() {
   profile::UpdateUserProfile(L"port", L"443");
 }
 
+void SessionTest::TearDown() { ResetProfileStore(); }
+
 std::wstring SessionTest::UserFolder() const {
-  return install_.folder() + platform::kPathSeparator + L"TavrinEalice";
+  return install_.folder() + platform::kPathSeparator + L"TavrinETestalice";
 }
 
 std::wstring SessionTest::TempRoot() const {
@@ -51,7 +55,7 @@ std::wstring SessionTest::CallerFolder(const std::wstring& name) {
 }
 
 std::string SessionTest::TraceText() const {
-  return ReadFileBytes(install_.path() / "Log" / "TavrinEUI.txt");
+  return ReadFileBytes(install_.path() / "Log" / "TavrinETestUI.txt");
 }
 
 }  // namespace tavrine::testing

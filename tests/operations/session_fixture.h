@@ -18,6 +18,7 @@ class SessionTest : public ::testing::Test {
  protected:
   SessionTest();
   void SetUp() override;
+  void TearDown() override;
 
   std::wstring UserFolder() const;
   std::wstring TempRoot() const;

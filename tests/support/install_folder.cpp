@@ -28,7 +28,7 @@ void InstallFolder::WriteStandardConfiguration() {
       "[ProductInfo]\r\n"
       "ProductNumber=7\r\n"
       "ProductName=TavrinE\r\n"
-      "ProductInstallationName=TavrinE\r\n"
+      "ProductInstallationName=TavrinETest\r\n"
       "ProductTreeViewName=TavrinE Backup\r\n"
       "Language=English\r\n"
       "ProductCaption=TavrinE Online Backup\r\n"
@@ -45,5 +45,16 @@ void InstallFolder::WriteUserNameIni(const std::string& ini_text) {
 }
 
 std::wstring InstallFolder::WorkRoot() const { return foundation::ComputeWorkRoot(); }
+
+}  // namespace tavrine::testing
+
+#include "profile/profile_store.h"
+
+namespace tavrine::testing {
+
+void ResetProfileStore() {
+  auto store = profile::ProfileStore::ForCurrentInstallation();
+  if (store.available()) store.registry().DeleteKeyTree(store.root_key());
+}
 
 }  // namespace tavrine::testing

@@ -21,7 +21,7 @@ class InstallFolder {
   RecordingUi& ui() { return ui_; }
 
   void WriteConfiguration(const std::string& ini_text);
-  // A complete configuration: product "TavrinE", installation "TavrinE", ExeGroup "TavrinE".
+  // A complete configuration: product "TavrinE", installation "TavrinETest", ExeGroup "TavrinE".
   void WriteStandardConfiguration();
   void WriteUserNameIni(const std::string& ini_text);
   // The work root folder (VirtualPath) as the library computes it, with its separator.
@@ -33,5 +33,13 @@ class InstallFolder {
   RecordingUi ui_;
   platform::ScopedServices services_;
 };
+
+}  // namespace tavrine::testing
+
+namespace tavrine::testing {
+
+// Removes the current installation's profile tree. On Windows the store is
+// the real HKEY_CURRENT_USER, so each test starts and ends with a clean one.
+void ResetProfileStore();
 
 }  // namespace tavrine::testing
