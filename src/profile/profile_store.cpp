@@ -1,6 +1,7 @@
 #include "profile/profile_store.h"
 
 #include <array>
+#include <cstdint>
 #include <string_view>
 
 #include "foundation/file_system.h"

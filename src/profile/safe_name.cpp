@@ -1,6 +1,7 @@
 #include "profile/safe_name.h"
 
 #include <array>
+#include <cstdint>
 
 namespace tavrine::profile {
 

@@ -1,6 +1,7 @@
 #include <windows.h>
 #include <wincrypt.h>
 
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <string_view>
