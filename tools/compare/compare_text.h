@@ -1,0 +1,47 @@
+#pragma once
+#include <chrono>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// Text handling of the reference compare program; internally UTF-8.
+namespace tavrine::refcompare {
+
+// "<folder><mode>": the folder between the first '<' and the '>' before the
+// last "<...>"; a text with one bracket pair only has an empty mode.
+struct Invocation {
+  std::string folder;
+  std::string mode;
+};
+std::optional<Invocation> ParseParameters(std::string_view text);
+
+// A file's text: UTF-16LE when it starts with FF FE, else UTF-8 (a UTF-8 BOM dropped).
+std::string DecodeTextFile(std::string_view bytes);
+// UTF-16LE with BOM and CR LF after each line.
+std::string EncodeUtf16Lines(const std::vector<std::string>& lines);
+// Lines ended by CR, LF or CR LF; a last line without an end counts.
+std::vector<std::string> SplitLines(std::string_view text);
+
+// One remote entry of Backupfile.txt: "path/versions/size/MM-DD-YYYY HH:MM:SS[/flag]/mode".
+struct RemoteEntry {
+  long long size = -1;
+  std::string date;
+};
+// Entries keyed by FoldCase(path); the list ends at a line shorter than 3
+// characters after trimming; lines with too few fields are skipped.
+std::map<std::string, RemoteEntry> ParseListing(std::string_view text);
+
+// ASCII letters lowered: remote paths compare without regard to case.
+std::string FoldCase(std::string text);
+// The remote form of a local path: every '/' turned into '\'.
+std::string RemoteForm(std::string local);
+// "MM-DD-YYYY HH:MM:SS" in UTC, as the listing writes its dates.
+std::string FormatListingDate(std::chrono::system_clock::time_point time);
+
+std::string HexBytes(std::string_view bytes);
+// '%', tab, CR, LF and other control bytes as %XX.
+std::string EscapeField(std::string_view text);
+
+}  // namespace tavrine::refcompare
