@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <fstream>
 #include <iterator>
@@ -157,7 +158,9 @@ bool WriteAtomically(const std::wstring& file, const std::string& bytes) {
   struct stat existing {};
   if (stat(target.c_str(), &existing) == 0) mode = existing.st_mode & 07777;
 
-  std::string temp = target + ".tmp-" + std::to_string(getpid());
+  // Unique per process and per call, so concurrent writers never share a temp file.
+  static std::atomic<unsigned> counter{0};
+  std::string temp = target + ".tmp-" + std::to_string(getpid()) + "-" + std::to_string(counter++);
   int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
   if (fd < 0) return false;
   bool ok = true;
