@@ -1,6 +1,5 @@
 #include "platform/process.h"
 
-#include <dirent.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/types.h>
