@@ -1,0 +1,233 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include "backup/backup_fixture.h"
+#include "engine/engine_run.h"
+#include "operations/c_backup.h"
+#include "platform/module_folder.h"
+#include "platform/services.h"
+
+namespace tavrine::operations {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::BackupTest;
+using testing::EngineScenario;
+
+// The listing step: an empty backup (-412) lets the compare go on.
+EngineScenario EmptyListing() { return EngineScenario().On(115).Output(0); }
+
+using CompareStep = BackupTest;
+
+TEST_F(CompareStep, EachInputLineBecomesTwoRequestLines) {
+  struct Case {
+    const char* name;
+    std::string input_list;
+  };
+  const Case cases[] = {
+      {"ANSI", "C:\\Data\\\r\nC:\\Data\\a.txt\r\n\r\nD:\\\r\n"},
+      {"UTF-16", testing::Utf16LeFile(L"C:\\Data\\\r\nC:\\Data\\a.txt\r\n\r\nD:\\\r\n")},
+  };
+  install_.SetScenario(EmptyListing());
+  testing::WriteCompareScenario(install_.path(), "result 0\n");
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    testing::WriteFileBytes(Folder() / "InputList.txt", c.input_list);
+    EXPECT_EQ(CBackup().W_BackupInit(0, folder_), 0);
+    auto runs = testing::ReadCompareJournal(install_.path());
+    ASSERT_FALSE(runs.empty());
+    EXPECT_EQ(runs.back().params, L"<" + folder_ + L"><1>");
+    EXPECT_EQ(runs.back().request, testing::Utf16LeFile(L"C:\\Data\r\n1\r\nC:\\Data\\a.txt\r\n0\r\n"
+                                                        L"D:\r\n1\r\n"));
+  }
+}
+
+TEST_F(CompareStep, ResultComesFromTheFirstLineOfDllOutput1) {
+  struct Case {
+    const char* scenario;
+    std::int32_t result;
+  } cases[] = {{"result 1\n", 1},
+               {"result 0\n", 0},
+               {"result -3\n", -3},
+               {"result many\n", -1},  // not a number: no result
+               {"exit 0\n", -1},       // nothing written
+               {"crash\n", -1}};
+  install_.SetScenario(EmptyListing());
+  testing::WriteFileBytes(Folder() / "InputList.txt", "C:\\x.txt\r\n");
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.scenario);
+    testing::WriteCompareScenario(install_.path(), c.scenario);
+    testing::WriteFileBytes(Folder() / "DLLOutput1.txt", "1\r\n");  // stale: must be cleared
+    EXPECT_EQ(CBackup().W_BackupInit(0, folder_), c.result);
+  }
+}
+
+TEST_F(CompareStep, ListingFailureOrMissingInputStopsBeforeTheCompare) {
+  struct Case {
+    const char* name;
+    EngineScenario listing;
+    bool input_list;
+    std::int32_t result;
+  } cases[] = {
+      {"busy server", EngineScenario().On(115).Info(-416), true, -416},
+      {"no input list", EmptyListing(), false, -1},
+  };
+  testing::WriteCompareScenario(install_.path(), "result 1\n");
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    install_.SetScenario(c.listing);
+    fs::remove(Folder() / "InputList.txt");
+    if (c.input_list) testing::WriteFileBytes(Folder() / "InputList.txt", "C:\\x.txt\r\n");
+    EXPECT_EQ(CBackup().W_BackupInit(0, folder_), c.result);
+  }
+  EXPECT_TRUE(testing::ReadCompareJournal(install_.path()).empty());
+}
+
+TEST_F(CompareStep, CancelEndsTheWaitWithinASecondAndKillsOnlyThatProgram) {
+  install_.SetScenario(EmptyListing());
+  testing::WriteCompareScenario(install_.path(), "hang\n");
+  testing::WriteFileBytes(Folder() / "InputList.txt", "C:\\x.txt\r\n");
+  SetScheduleData("31\r\nnightly\r\n");
+
+  // A bystander: the same program on another folder, which must survive.
+  std::wstring other = CallerFolder(L"bystander");
+  auto bystander = platform::SystemProcessLauncher().Start(
+      install_.Program(L"TavrinECompareList.exe"), L"<" + other + L"><1>", install_.folder());
+  ASSERT_TRUE(bystander);
+
+  std::atomic<long long> marked_at{0};
+  std::thread canceller([&] {
+    testing::WaitUntil([&] { return fs::exists(Folder() / "compare-heartbeat.txt"); });
+    testing::WriteFileBytes(Folder() / "cancel.txt", "");
+    marked_at = std::chrono::steady_clock::now().time_since_epoch().count();
+  });
+  std::int32_t result = CBackup().W_BackupInit(0, folder_);
+  auto returned_at = std::chrono::steady_clock::now();
+  canceller.join();
+
+  EXPECT_EQ(result, 401);
+  auto waited = returned_at - std::chrono::steady_clock::time_point(
+                                  std::chrono::steady_clock::duration(marked_at.load()));
+  EXPECT_LT(waited, std::chrono::milliseconds(1500));
+  // The cancelled program beats no more; the bystander still does.
+  auto size_of = [](const fs::path& file) {
+    std::error_code ignored;
+    return fs::file_size(file, ignored);
+  };
+  fs::path own_beat = Folder() / "compare-heartbeat.txt";
+  fs::path other_beat = platform::ToFsPath(other) / "compare-heartbeat.txt";
+  auto own_before = size_of(own_beat), other_before = size_of(other_beat);
+  std::this_thread::sleep_for(std::chrono::milliseconds(400));
+  EXPECT_EQ(size_of(own_beat), own_before);
+  EXPECT_GT(size_of(other_beat), other_before);
+  EXPECT_EQ(bystander->Wait(0), platform::WaitOutcome::kStillRunning);
+  bystander->Terminate(0);
+
+  // The cancelled backup leaves the schedule resumed.
+  EXPECT_FALSE(fs::exists(ScheduleFile("schedulerStatus.txt")));
+  EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
+  EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
+}
+
+TEST_F(CompareStep, MarkerBeforeTheStartRunsNothing) {
+  testing::WriteFileBytes(Folder() / "cancel.txt", "");
+  SetScheduleData("31\r\nnightly\r\n");
+  EXPECT_EQ(CBackup().W_BackupInit(0, folder_), 401);
+  EXPECT_TRUE(install_.Journal().empty());
+  EXPECT_FALSE(fs::exists(ScheduleFile("schedulerStatus.txt")));
+}
+
+using ManualBackup = BackupTest;
+
+TEST_F(ManualBackup, PausesTheScheduleUntilTheExit) {
+  install_.SetScenario(EmptyListing());
+  testing::WriteCompareScenario(install_.path(), "result 1\n");
+  testing::WriteFileBytes(Folder() / "InputList.txt", "C:\\x.txt\r\n");
+  SetScheduleData("4242\r\nnightly 02:00\r\n");
+  CBackup backup;
+
+  EXPECT_EQ(backup.W_BackupInit(7, folder_), 1);
+  EXPECT_EQ(testing::ReadFileBytes(ScheduleFile("schedulerStatus.txt")),
+            "PAUSE\r\n4242\r\nnightly 02:00\r\n");
+  EXPECT_EQ(Profile(L"UPLOAD"), L"TRUE");
+  EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
+  EXPECT_EQ(clock_.CountPauses(1000), 1u);
+  EXPECT_EQ(clock_.CountPauses(2000), 1u);
+
+  std::int32_t completed = 0;
+  EXPECT_EQ(backup.W_DoBackup(completed), 1);
+  EXPECT_EQ(completed, 1);
+  EXPECT_EQ(Profile(L"IsUploadStarted"), L"TRUE");
+  EXPECT_FALSE(Profile(L"TavrinEClientPID").empty());
+  EXPECT_NE(Profile(L"TavrinEClientPID"), L"-1");
+  ASSERT_TRUE(testing::WaitUntil([&] { return install_.Journal().size() == 2; }));
+  EXPECT_EQ(install_.Journal()[1].code, 110);
+  EXPECT_EQ(install_.Journal()[1].folder, folder_);
+
+  EXPECT_EQ(backup.W_BackupExitInstance(), 1);
+  EXPECT_FALSE(fs::exists(ScheduleFile("schedulerStatus.txt")));
+  EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
+  EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
+  EXPECT_EQ(Profile(L"CLASSIC_SESSION"), L"FALSE");
+}
+
+TEST_F(ManualBackup, AnEndWithoutUploadResumesTheSchedule) {
+  struct Case {
+    const char* name;
+    EngineScenario listing;
+    const char* compare;
+    std::int32_t result;
+  } cases[] = {
+      {"listing failed", EngineScenario().On(115).Info(-12009), "result 1\n", -12009},
+      {"nothing new", EmptyListing(), "result 0\n", 0},
+      {"compare crashed", EmptyListing(), "crash\n", -1},
+  };
+  testing::WriteFileBytes(Folder() / "InputList.txt", "C:\\x.txt\r\n");
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    install_.SetScenario(c.listing);
+    testing::WriteCompareScenario(install_.path(), c.compare);
+    SetScheduleData("4242\r\nnightly\r\n");
+    CBackup backup;
+    EXPECT_EQ(backup.W_BackupInit(0, folder_), c.result);
+    EXPECT_FALSE(fs::exists(ScheduleFile("schedulerStatus.txt")));
+    EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
+    EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
+  }
+}
+
+TEST_F(ManualBackup, UploadThatCannotStartOrIsCancelledLeavesNoUploadRecorded) {
+  SetScheduleData("4242\r\nnightly\r\n");
+  {
+    SCOPED_TRACE("cancelled before the start");
+    testing::WriteFileBytes(Folder() / "cancel.txt", "");
+    CBackup backup;
+    std::int32_t completed = -5;
+    backup.DisableScheduleBackup(L"");
+    EXPECT_EQ(backup.W_BackupInit(0, folder_), 401);
+    EXPECT_EQ(backup.W_DoBackup(completed), 401);
+    EXPECT_EQ(completed, -5);
+    EXPECT_TRUE(install_.Journal().empty());
+    EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
+    EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
+    fs::remove(Folder() / "cancel.txt");
+  }
+  {
+    SCOPED_TRACE("engine missing");
+    fs::remove(install_.path() / "TavrinEClsClient.exe");
+    CBackup backup;
+    backup.DisableScheduleBackup(L"alice");
+    backup.W_BackupInit(0, folder_);  // no listing either: the engine is gone
+    std::int32_t completed = 0;
+    EXPECT_EQ(backup.W_DoBackup(completed), -1);
+    EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
+    EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
+    EXPECT_FALSE(fs::exists(ScheduleFile("schedulerStatus.txt")));
+  }
+}
+
+}  // namespace
+}  // namespace tavrine::operations

@@ -1,0 +1,87 @@
+#include <gtest/gtest.h>
+
+#include "backup/backup_fixture.h"
+#include "operations/c_backup.h"
+
+namespace tavrine::operations {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::BackupTest;
+
+using ScheduleControl = BackupTest;
+
+TEST_F(ScheduleControl, RunningMeansLineOneIsThereAndNotZero) {
+  struct Case {
+    const char* data;  // nullptr: no file
+    bool running;
+  } cases[] = {{nullptr, false},           {"", false},       {"0\r\n", false},
+               {"0\r\n77\r\n", false},     {" 0 \r\n", false}, {"17\r\njob\r\n", true},
+               {"17", true},               {"x\r\n", true}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.data ? c.data : "(none)");
+    fs::remove(ScheduleFile("scheduleData.txt"));
+    if (c.data) SetScheduleData(c.data);
+    EXPECT_EQ(CBackup().IsScheduleBackupRunning(L"alice"), c.running);
+    EXPECT_EQ(CBackup().IsScheduleBackupRunning(L""), c.running);  // the current user
+    clock_.ClearPauses();
+    EXPECT_EQ(CBackup().StopScheduleBackup(L"alice"), c.running ? 1 : 0);
+    EXPECT_EQ(fs::exists(ScheduleFile("schedulerStatus.txt")), c.running);
+    EXPECT_EQ(clock_.CountPauses(1000), c.running ? 1u : 0u);
+    fs::remove(ScheduleFile("schedulerStatus.txt"));
+  }
+}
+
+TEST_F(ScheduleControl, StopCopiesBothLinesEvenWhenTheSecondIsMissing) {
+  SetScheduleData("17");
+  EXPECT_EQ(CBackup().StopScheduleBackup(L"alice"), 1);
+  EXPECT_EQ(testing::ReadFileBytes(ScheduleFile("schedulerStatus.txt")), "PAUSE\r\n17\r\n\r\n");
+}
+
+TEST_F(ScheduleControl, ProfileValuesPerMethod) {
+  CBackup backup;
+  EXPECT_EQ(backup.DisableScheduleBackup(L"alice"), 1);
+  EXPECT_EQ(Profile(L"UPLOAD"), L"TRUE");
+  EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
+
+  profile::UpdateUserProfile(L"CLASSIC_SESSION", L"TRUE");
+  EXPECT_EQ(backup.ResetConfigurations(L"alice"), 1);
+  EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
+  EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
+  EXPECT_EQ(Profile(L"CLASSIC_SESSION"), L"FALSE");
+}
+
+TEST_F(ScheduleControl, AnotherUsersValuesAreTheirsAlone) {
+  EXPECT_EQ(CBackup().DisableScheduleBackup(L"bob"), 1);
+  EXPECT_EQ(profile::ProfileStore::ForCurrentInstallation().GetForUser(L"bob", L"UPLOAD"), L"TRUE");
+  EXPECT_EQ(Profile(L"UPLOAD"), L"");
+}
+
+TEST_F(ScheduleControl, UnsafeUserNamesTouchNothing) {
+  SetScheduleData("17\r\njob\r\n");
+  for (const wchar_t* user : {L"..", L"a/b", L"..\\alice", L"CON"}) {
+    CBackup backup;
+    EXPECT_EQ(backup.DisableScheduleBackup(user), 0);
+    EXPECT_EQ(backup.StopScheduleBackup(user), 0);
+    EXPECT_FALSE(backup.IsScheduleBackupRunning(user));
+    EXPECT_EQ(backup.EnableScheduleBackup(user), 0);
+  }
+  EXPECT_FALSE(fs::exists(ScheduleFile("schedulerStatus.txt")));
+  EXPECT_EQ(Profile(L"UPLOAD"), L"");
+  EXPECT_NE(TraceText().find("refused user name"), std::string::npos);
+}
+
+TEST_F(ScheduleControl, EnableRemovesThePauseAndResets) {
+  SetScheduleData("17\r\njob\r\n");
+  CBackup backup;
+  backup.StopScheduleBackup(L"alice");
+  backup.DisableScheduleBackup(L"alice");
+  EXPECT_EQ(backup.EnableScheduleBackup(L"alice"), 1);
+  EXPECT_FALSE(fs::exists(ScheduleFile("schedulerStatus.txt")));
+  EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
+  // Without a pause in place it is still done, and harmless.
+  EXPECT_EQ(backup.EnableScheduleBackup(L"alice"), 1);
+}
+
+}  // namespace
+}  // namespace tavrine::operations

@@ -1,0 +1,157 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "foundation/settings.h"
+#include "operations/cls_api_interface.h"
+#include "operations/ui_commands.h"
+#include "operations/session_fixture.h"
+#include "backup/compare_harness.h"
+#include "platform/path.h"
+
+namespace tavrine::operations {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::EngineScenario;
+using testing::SessionTest;
+
+constexpr char kList[] = "C:\\Docs\\a.txt\r\nC:\\Docs\\old\\\r\n";
+
+class RemoteDelete : public SessionTest {
+ protected:
+  std::wstring WriteList() {
+    fs::path list = install_.path() / "to delete.txt";
+    testing::WriteFileBytes(list, kList);
+    return platform::FromFsPath(list);
+  }
+  std::size_t ExchangeFoldersLeft() const {
+    std::error_code ignored;
+    fs::path root = platform::ToFsPath(TempRoot());
+    if (!fs::is_directory(root, ignored)) return 0;
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator(root), fs::directory_iterator()));
+  }
+};
+
+TEST_F(RemoteDelete, MissingListReturnsMinusOneWithoutStartingTheEngine) {
+  install_.SetScenario(EngineScenario().On(6).Output(402));
+  for (const std::wstring& list : {std::wstring(), install_.folder() + L"/nowhere.txt"}) {
+    EXPECT_EQ(UICommands().W_DeleteRemoteFiles(list), -1);
+  }
+  EXPECT_TRUE(install_.Journal().empty());
+  EXPECT_TRUE(ui_.boxes().empty());
+  EXPECT_EQ(ExchangeFoldersLeft(), 0u);
+  EXPECT_NE(TraceText().find("API_DELETE_REMOTE_FILE :: no list of items"), std::string::npos);
+}
+
+TEST_F(RemoteDelete, OutcomePerAnswer) {
+  struct Case {
+    const char* name;
+    EngineScenario scenario;
+    std::int32_t result;
+    std::size_t runs;
+    std::size_t pauses_2000;
+    const wchar_t* box;  // nullptr: no box
+    unsigned icon;
+  };
+  const Case cases[] = {
+      {"402", EngineScenario().On(6).Output(402), 1, 1, 0, nullptr, 0},
+      {"zero", EngineScenario().On(6).Output(0), 1, 1, 0, nullptr, 0},
+      {"busy then done", EngineScenario().On(6).Info(-416).Then().Output(402), 1, 2, 1, nullptr, 0},
+      // A stale DLLOutput.txt of the first attempt must not win over the second answer.
+      {"stale output", EngineScenario().On(6).Output(-416).Then().Info(-408), -408, 2, 1,
+       L"Unable to get files from server", platform::kMbIconInformation},
+      {"proxy failure four times", EngineScenario().On(6).Info(-12009), -12009, 4, 4,
+       L"Unable to connect to the server. Try later.", platform::kMbIconStop},
+      {"cleanup", EngineScenario().On(6).Info(-511), -511, 1, 0, L"Cleanup is in progress",
+       platform::kMbIconStop},
+      {"other code", EngineScenario().On(6).Info(-777), -777, 1, 0, nullptr, 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    fs::remove(install_.path() / "engine-journal.txt");
+    install_.SetScenario(c.scenario);
+    clock_.ClearPauses();
+    ui_.set_open_windows({L"TavrinE - Deleting"});
+    std::size_t boxes_before = ui_.boxes().size();
+    std::size_t closed_before = ui_.closed_windows().size();
+
+    EXPECT_EQ(clsAPI_Interface().API_DELETE_REMOTE_FILE(WriteList()), c.result);
+
+    auto runs = install_.Journal();
+    ASSERT_EQ(runs.size(), c.runs);
+    for (const auto& run : runs) {
+      EXPECT_EQ(run.program, L"TavrinEClient.exe");
+      EXPECT_EQ(run.params, L" 6<" + run.folder + L">");
+      EXPECT_EQ(run.input_delete, std::optional<std::string>(kList));
+      EXPECT_TRUE(run.request.has_value());
+    }
+    EXPECT_EQ(clock_.CountPauses(2000), c.pauses_2000);
+    EXPECT_EQ(ExchangeFoldersLeft(), 0u);
+    ASSERT_EQ(ui_.closed_windows().size(), closed_before + 1);
+    EXPECT_EQ(ui_.closed_windows().back(), L"TavrinE - Deleting");
+    ASSERT_EQ(ui_.boxes().size(), boxes_before + (c.box ? 1 : 0));
+    if (c.box) {
+      EXPECT_EQ(ui_.boxes().back().text, c.box);
+      EXPECT_EQ(ui_.boxes().back().title, L"TavrinE Online Backup failure");
+      EXPECT_EQ(ui_.boxes().back().style, c.icon);
+    }
+  }
+}
+
+TEST_F(RemoteDelete, UnregisteredMachineEndsAt401UnlessRenewalIsPermitted) {
+  install_.SetScenario(EngineScenario().On(6).Info(-505));
+  EXPECT_EQ(clsAPI_Interface().API_DELETE_REMOTE_FILE(WriteList()), 401);
+  EXPECT_EQ(install_.Journal().size(), 1u);
+  EXPECT_TRUE(ui_.boxes().empty());
+  EXPECT_EQ(ExchangeFoldersLeft(), 0u);
+
+  fs::remove(install_.path() / "engine-journal.txt");
+  install_.SetScenario(
+      EngineScenario().On(6).Info(-505).Then().Output(402).On(5).Output(1));
+  foundation::CurrentSettings().renew_random_permitted = true;
+  clock_.ClearPauses();
+  EXPECT_EQ(clsAPI_Interface().API_DELETE_REMOTE_FILE(WriteList()), 1);
+  std::vector<int> codes;
+  for (const auto& run : install_.Journal()) codes.push_back(run.code.value_or(-1));
+  EXPECT_EQ(codes, (std::vector<int>{6, 5, 6}));
+  EXPECT_EQ(clock_.CountPauses(500), 1u);
+  EXPECT_TRUE(ui_.boxes().empty());
+}
+
+TEST_F(RemoteDelete, AnEngineThatLeavesNoAnswerGivesMinusOneWithoutABox) {
+  install_.SetScenario(EngineScenario().On(6).Crash());
+  EXPECT_EQ(clsAPI_Interface().API_DELETE_REMOTE_FILE(WriteList()), -1);
+  EXPECT_EQ(install_.Journal().size(), 1u);
+  EXPECT_TRUE(ui_.boxes().empty());
+  EXPECT_EQ(ExchangeFoldersLeft(), 0u);
+}
+
+using FirewallProbe = SessionTest;
+
+TEST_F(FirewallProbe, SendsPlaceholderCredentialsInItsOwnFolder) {
+  EXPECT_EQ(UICommands().W_Dummycall(), 0);
+  ASSERT_TRUE(testing::WaitUntil([&] { return install_.Journal().size() == 1; }));
+  auto run = install_.Journal()[0];
+  EXPECT_EQ(run.program, L"TavrinEClient.exe");
+  EXPECT_EQ(run.params, L" 116<" + run.folder + L">");
+  fs::path folder = platform::ToFsPath(run.folder);
+  EXPECT_EQ(folder.parent_path(), install_.path() / "iTemp");
+  EXPECT_TRUE(platform::FromFsPath(folder.filename()).ends_with(L"_123456"));
+  EXPECT_EQ(run.request, std::optional<std::string>(
+                             "127.0.0.1\r\n443\r\nwugtpcog\r\nrcuuyqtf\r\npqgpet{rvkqp\r\n"
+                             "MACHINECODEREADONLY\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n"));
+}
+
+TEST_F(FirewallProbe, AnExistingMarkerRunsNothing) {
+  testing::WriteFileBytes(install_.path() / "TavrinETestClient.txt", "");
+  EXPECT_EQ(clsAPI_Interface().API_FirewallSettings(), 0);
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  EXPECT_TRUE(install_.Journal().empty());
+  EXPECT_TRUE(fs::exists(install_.path() / "TavrinETestClient.txt"));
+}
+
+}  // namespace
+}  // namespace tavrine::operations
