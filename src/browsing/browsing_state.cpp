@@ -1,0 +1,83 @@
+#include "browsing/browsing_state.h"
+
+#include "foundation/file_system.h"
+#include "foundation/settings.h"
+#include "foundation/trace_log.h"
+#include "platform/path.h"
+#include "profile/profile_store.h"
+#include "profile/safe_name.h"
+
+namespace tavrine::browsing {
+
+BrowsingState& CurrentBrowsingState() {
+  thread_local BrowsingState state;
+  return state;
+}
+
+bool& MultiplePcSupport() { return foundation::CurrentSettings().multiple_pc; }
+
+bool CountMeansSeveral(const std::wstring& count) { return !count.empty() && count != L"0"; }
+
+std::wstring BrowsingUserName() {
+  std::wstring user = profile::GetUserProfile(L"UserName");
+  return user.empty() ? profile::CurrentUserName() : user;
+}
+
+std::wstring BrowsingUserFolder(const std::wstring& user) {
+  if (foundation::CurrentSettings().work_root.empty())
+    foundation::CurrentSettings().work_root = foundation::ComputeWorkRoot();
+  return foundation::CurrentSettings().work_root + foundation::CurrentSettings().installation_name +
+         user;
+}
+
+std::wstring ListingFile(const std::wstring& user, const std::wstring& machine) {
+  std::wstring folder = BrowsingUserFolder(user);
+  if (!machine.empty()) folder = foundation::JoinPath(folder, machine);
+  return foundation::JoinPath(folder, L"Backupfile.txt");
+}
+
+bool LoadListing(const std::wstring& user) {
+  BrowsingState& state = CurrentBrowsingState();
+  auto listing = std::make_shared<RemoteListing>();
+  listing->root().base_path_ = foundation::ComputeWorkRoot();
+  bool read = false;
+  if (!profile::IsSafeName(user)) {
+    foundation::Trace(L"InitTree : the user name cannot be a folder name");
+  } else if (!MultiplePcSupport()) {
+    const std::wstring file = ListingFile(user, L"");
+    if (!foundation::FileExists(file)) {
+      foundation::Trace(L"No Backup File , So exiting");
+    } else {
+      foundation::Trace(L"InitTree : Single machine data so reading " + file);
+      read = listing->AddFile(file, L"");
+    }
+  } else {
+    const std::size_t machines = state.machine_list.size();
+    foundation::Trace(L"InitTree : " + std::to_wstring(machines) + L" Machine");
+    if (machines != 1) {
+      for (const std::wstring& machine : state.machine_list) {
+        if (!profile::IsSafeName(machine)) continue;
+        read = listing->AddFile(ListingFile(user, machine), machine) || read;
+      }
+    }
+  }
+  listing->Finish();
+  state.listing = std::move(listing);
+  return read;
+}
+
+std::int32_t InitTree(const std::wstring& param) {
+  try {
+    const std::wstring user = param.empty() ? BrowsingUserName() : param;
+    const std::wstring list = profile::GetUserProfile(L"List");
+    std::wstring hosts = profile::GetUserProfile(L"HostCount");
+    if (!CountMeansSeveral(hosts)) hosts = profile::GetUserProfile(L"Count");
+    MultiplePcSupport() = !list.empty() && CountMeansSeveral(hosts);
+    return LoadListing(user) ? 1 : 0;
+  } catch (...) {
+    foundation::TraceException(L"InitTree", foundation::DescribeCurrentException());
+    return 0;
+  }
+}
+
+}  // namespace tavrine::browsing

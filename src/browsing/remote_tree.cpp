@@ -1,0 +1,567 @@
+#include "browsing/remote_tree.h"
+
+#include <algorithm>
+#include <bit>
+#include <fstream>
+#include <limits>
+
+#include "browsing/case_fold.h"
+#include "browsing/file_time.h"
+#include "foundation/trace_log.h"
+#include "platform/path.h"
+
+namespace tavrine::browsing {
+
+void SetEmptyValues(FindData& data) {
+  data.nFileSize = -1;
+  data.nVersion = -1;
+  data.ftCreationTime = {0xFFFFFFFFu, 0xFFFFFFFFu};
+  data.ftLastWriteTime = {0xFFFFFFFFu, 0xFFFFFFFFu};
+  data.cFilename.clear();
+  data.strUnimode.clear();
+}
+
+// ---- the tree --------------------------------------------------------------
+
+std::int32_t clsTavrinETree::InitNode(const std::wstring& name) {
+  try {
+    name_ = name;
+    first_child_ = next_sibling_ = parent_ = fourth_link_ = nullptr;
+    return 1;
+  } catch (...) {
+    foundation::TraceException(L"InitNode", foundation::DescribeCurrentException());
+    return 0;
+  }
+}
+
+void clsTavrinETree::DestroyTree() {
+  try {
+    // Nodes are owned flat, so a long sibling chain never deepens the stack.
+    owned_.clear();
+    first_child_ = last_child_ = nullptr;
+    child_count_ = 0;
+  } catch (...) {
+    foundation::TraceException(L"DestroyTree", foundation::DescribeCurrentException());
+  }
+}
+
+clsTavrinETree* clsTavrinETree::AppendChild(const std::wstring& name) {
+  owned_.push_back(std::make_unique<clsTavrinETree>());
+  clsTavrinETree* node = owned_.back().get();
+  node->InitNode(name);
+  node->parent_ = this;
+  if (!first_child_) {
+    first_child_ = node;
+  } else {
+    last_child_->next_sibling_ = node;
+  }
+  last_child_ = node;
+  ++child_count_;
+  return node;
+}
+
+// ---- fields of a line --------------------------------------------------------
+
+namespace {
+
+constexpr std::size_t kTextLimit = std::numeric_limits<std::uint32_t>::max() - 8;
+
+bool IsBlank(char16_t c) { return c == u' ' || c == u'\t'; }
+
+template <class Char>
+std::int64_t LeadingInteger(std::basic_string_view<Char> text, std::int64_t low, std::int64_t high) {
+  std::size_t i = 0;
+  while (i < text.size() && (text[i] == ' ' || text[i] == '\t')) ++i;
+  bool negative = false;
+  if (i < text.size() && (text[i] == '-' || text[i] == '+')) negative = text[i++] == '-';
+  std::int64_t value = 0;
+  for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
+    if (value < std::numeric_limits<std::int64_t>::max() / 10 - 10) value = value * 10 + (text[i] - '0');
+  }
+  if (negative) value = -value;
+  return std::clamp(value, low, high);
+}
+
+// The split of a line at "/": field 1..3, the date and the last field.
+template <class Char>
+struct Fields {
+  std::basic_string_view<Char> version, size, date, mode;
+  std::size_t count = 0;
+};
+
+template <class Char>
+Fields<Char> SplitFields(std::basic_string_view<Char> line) {
+  Fields<Char> fields;
+  std::size_t begin = 0;
+  std::basic_string_view<Char> field;
+  while (true) {
+    std::size_t end = line.find(Char('/'), begin);
+    field = line.substr(begin, end == line.npos ? line.npos : end - begin);
+    switch (fields.count) {
+      case 1: fields.version = field; break;
+      case 2: fields.size = field; break;
+      case 3: fields.date = field; break;
+      default: break;
+    }
+    ++fields.count;
+    if (end == line.npos) break;
+    begin = end + 1;
+  }
+  fields.mode = field;
+  return fields;
+}
+
+template <class Char>
+bool IsOrdinaryMode(std::basic_string_view<Char> mode) {
+  return mode.size() == 1 && (mode[0] == 'U' || mode[0] == 'A');
+}
+
+template <class Char>
+void FillNumbersAndDate(const Fields<Char>& fields, FindData& data) {
+  data.nVersion = static_cast<std::int16_t>(LeadingInteger(fields.version, -32768, 32767));
+  data.nFileSize = LeadingInteger(fields.size, std::numeric_limits<std::int64_t>::min(),
+                                  std::numeric_limits<std::int64_t>::max());
+  DateFailure failure = ConvertListingDate(fields.date, data.ftLastWriteTime);
+  if (failure == DateFailure::kNone) {
+    data.ftCreationTime = data.ftLastWriteTime;
+  } else {
+    foundation::TraceException(L"ISysTimeToFileTime", DescribeDateFailure(failure));
+  }
+}
+
+}  // namespace
+
+void FillFromLine(std::wstring_view line, std::size_t name_begin, FindData& data) {
+  std::size_t path_end = line.find(L'/', std::min(name_begin, line.size()));
+  if (path_end == line.npos) path_end = line.size();
+  data.cFilename.assign(line.substr(std::min(name_begin, line.size()),
+                                    path_end - std::min(name_begin, path_end)));
+  Fields<wchar_t> fields = SplitFields(line);
+  FillNumbersAndDate(fields, data);
+  if (fields.count >= 5 && !IsOrdinaryMode(fields.mode)) {
+    data.strUnimode.assign(fields.mode);
+  } else {
+    data.strUnimode.clear();
+  }
+}
+
+void RemoteListing::Fill(std::uint32_t position, std::string_view query, FindData& data) const {
+  std::string_view line = EntryBytes(static_cast<std::int32_t>(position));
+  std::size_t at = FoldedStartsWith(line, 0, query) ? 0 : FoldedFind(line, query);
+  if (at == std::string_view::npos) at = 0;
+  std::size_t name_begin = std::min(at + query.size(), line.size());
+  std::size_t path_end = line.find('/', name_begin);
+  if (path_end == line.npos) path_end = line.size();
+  AssignWide(data.cFilename, line.substr(name_begin, path_end - name_begin));
+  Fields<char> fields = SplitFields(line);
+  FillNumbersAndDate(fields, data);
+  if (fields.count >= 5 && !IsOrdinaryMode(fields.mode)) {
+    AssignWide(data.strUnimode, fields.mode);
+  } else {
+    data.strUnimode.clear();
+  }
+}
+
+// ---- loading -----------------------------------------------------------------
+
+RemoteListing::RemoteListing() {
+  root_.InitNode(L"\\");
+  offsets_.push_back(0);
+}
+
+void RemoteListing::BeginFile(const std::wstring& machine) {
+  machine_ = machine;
+  if (!machine.empty()) machine_mode_ = true;
+  first_line_of_file_ = true;
+  marked_form_ = false;
+  file_ended_ = false;
+}
+
+bool RemoteListing::AddLine(std::u16string_view line) {
+  if (file_ended_ || overflowed_) return false;
+  std::size_t begin = 0, end = line.size();
+  while (begin < end && IsBlank(line[begin])) ++begin;
+  while (end > begin && IsBlank(line[end - 1])) --end;
+  if (end - begin < 3) {
+    file_ended_ = true;
+    return false;
+  }
+  if (first_line_of_file_) {
+    first_line_of_file_ = false;
+    std::size_t last = line.rfind(u'/');
+    if (last != line.npos) {
+      std::size_t before = last == 0 ? line.npos : line.rfind(u'/', last - 1);
+      std::size_t start = before == line.npos ? 0 : before + 1;
+      marked_form_ = last - start < 2;
+    }
+  }
+  std::u16string rewritten;
+  if (marked_form_ && line.size() >= 3 && line[line.size() - 3] == u'1') {
+    rewritten.assign(line.substr(0, line.size() >= 4 ? line.size() - 4 : 0));
+    rewritten.append(line.substr(line.size() - 2));
+    line = rewritten;
+  }
+
+  bool new_node = current_node_ == nullptr;
+  if (!machine_.empty()) {
+    if (!new_node && previous_name_ != machine_) new_node = true;
+    if (new_node) previous_name_ = machine_;
+  } else {
+    std::size_t slash = line.find(u'\\');
+    if (slash != line.npos) {
+      std::u16string_view head = line.substr(0, slash + 1);
+      if (head != previous_head_) {
+        previous_head_.assign(head);
+        std::wstring wide;
+        for (char16_t c : head) wide.push_back(static_cast<wchar_t>(c));
+        std::wstring name = UpperCaseText(wide);
+        if (name != previous_name_) {
+          previous_name_ = std::move(name);
+          new_node = true;
+        }
+      }
+    }
+  }
+  if (new_node) {
+    current_node_ = root_.AppendChild(machine_.empty() ? previous_name_ : machine_);
+    current_node_->first_entry_ = count() + 1;
+    runs_.push_back(Run{current_node_, {}, false, {}});
+  }
+  AppendEntry(line);
+  if (overflowed_) return false;
+  current_node_->last_entry_ = count();
+  return true;
+}
+
+void RemoteListing::AppendEntry(std::u16string_view line) {
+  if (text_.size() + (line.size() + machine_.size() + 1) * 3 > kTextLimit) {
+    overflowed_ = true;
+    foundation::Trace(L"InitTree : listing too large, the rest is ignored");
+    return;
+  }
+  if (!machine_.empty()) {
+    ForEachCodePoint(machine_, [&](char32_t c) { AppendUtf8(text_, c); });
+    text_.push_back('\\');
+  }
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    char32_t c = line[i];
+    if (c < 0x80) {
+      text_.push_back(static_cast<char>(c));
+      continue;
+    }
+    if (c >= 0xD800 && c < 0xDC00 && i + 1 < line.size() && line[i + 1] >= 0xDC00 &&
+        line[i + 1] < 0xE000) {
+      c = 0x10000 + ((c - 0xD800) << 10) + (line[i + 1] - 0xDC00);
+      ++i;
+    }
+    AppendUtf8(text_, c);
+  }
+  offsets_.push_back(static_cast<std::uint32_t>(text_.size()));
+}
+
+bool RemoteListing::AddFile(const std::wstring& path, const std::wstring& machine) {
+  std::ifstream in(platform::ToFsPath(path), std::ios::binary);
+  if (!in) return false;
+  in.seekg(0, std::ios::end);
+  std::streamoff size = in.tellg();
+  if (size < 0) return false;
+  in.seekg(0, std::ios::beg);
+  std::u16string units(static_cast<std::size_t>(size) / 2, u'\0');
+  in.read(reinterpret_cast<char*>(units.data()), static_cast<std::streamsize>(units.size() * 2));
+  units.resize(static_cast<std::size_t>(in.gcount()) / 2);
+  if constexpr (std::endian::native == std::endian::big) {
+    for (char16_t& c : units) c = static_cast<char16_t>((c >> 8) | (c << 8));
+  }
+  text_.reserve(text_.size() + units.size() + units.size() / 8 + 64);
+  BeginFile(machine);
+  std::u16string_view all(units);
+  std::size_t at = 0;
+  if (!all.empty() && all[0] == 0xFEFF) at = 1;
+  while (at < all.size()) {
+    std::size_t end = all.find_first_of(u"\r\n", at);
+    if (end == all.npos) end = all.size();
+    if (!AddLine(all.substr(at, end - at))) break;
+    if (end < all.size() && all[end] == u'\r' && end + 1 < all.size() && all[end + 1] == u'\n') ++end;
+    at = end + 1;
+  }
+  return true;
+}
+
+std::string_view RemoteListing::EntryBytes(std::int32_t position) const {
+  return std::string_view(text_).substr(offsets_[position - 1],
+                                        offsets_[position] - offsets_[position - 1]);
+}
+
+std::wstring RemoteListing::Entry(std::int32_t position) const {
+  std::wstring out;
+  if (position >= 1 && position <= count()) AssignWide(out, EntryBytes(position));
+  return out;
+}
+
+namespace {
+
+// Case-folds UTF-8 bytes (folding keeps the byte length).
+void FoldBytes(std::string_view bytes, std::string& out) {
+  out.clear();
+  for (std::size_t i = 0; i < bytes.size();) {
+    unsigned char b = static_cast<unsigned char>(bytes[i]);
+    if (b < 0x80) {
+      out.push_back(static_cast<char>(FoldCase(b)));
+      ++i;
+    } else {
+      AppendUtf8(out, FoldCase(DecodeUtf8(bytes, i)));
+    }
+  }
+}
+
+}  // namespace
+
+std::uint32_t RemoteListing::InternFolded(const std::string& folded) {
+  auto found = folder_ids_.find(folded);
+  if (found != folder_ids_.end()) return found->second;
+  std::uint32_t parent = kNone;
+  if (folded.size() >= 2) {
+    std::size_t previous = folded.rfind('\\', folded.size() - 2);
+    if (previous != std::string::npos) parent = InternFolded(folded.substr(0, previous + 1));
+  }
+  std::uint32_t id = static_cast<std::uint32_t>(folders_.size());
+  auto inserted = folder_ids_.emplace(folded, id).first;
+  Folder folder;
+  folder.key = &inserted->first;
+  folder.parent = parent;
+  if (parent != kNone) {
+    folder.next_sibling = folders_[parent].first_child;
+    folders_[parent].first_child = id;
+  }
+  folders_.push_back(folder);
+  return id;
+}
+
+void RemoteListing::Finish() {
+  const std::uint32_t n = static_cast<std::uint32_t>(count());
+  std::vector<std::uint32_t> line_folder(n + 1, kNone);
+  std::string folded;
+  std::string_view previous_prefix;
+  std::uint32_t previous_folder = kNone;
+  for (std::size_t r = 0; r < runs_.size(); ++r) {
+    Run& run = runs_[r];
+    const auto first = static_cast<std::uint32_t>(run.node->first_entry_);
+    const auto last = static_cast<std::uint32_t>(run.node->last_entry_);
+    std::string_view head_line = EntryBytes(static_cast<std::int32_t>(first));
+    std::size_t head_end = head_line.find('\\');
+    if (head_end != std::string_view::npos) {
+      FoldBytes(head_line.substr(0, head_end + 1), run.key);
+      run.has_key = true;
+    }
+    const std::size_t key_size = run.key.size();
+    for (std::uint32_t i = first; i <= last; ++i) {
+      std::string_view line = EntryBytes(static_cast<std::int32_t>(i));
+      bool check = !run.has_key || !FoldedStartsWith(line, 0, run.key);
+      if (!check) {
+        // The key seen again later in the line: a match could start there.
+        for (std::size_t j = line.find('\\', key_size); j != std::string_view::npos;
+             j = line.find('\\', j + 1)) {
+          if (FoldedStartsWith(line, j + 1 - key_size, run.key)) {
+            check = true;
+            break;
+          }
+        }
+      }
+      if (check) run.check.push_back(i);
+      std::size_t path_end = line.find('/');
+      if (path_end == std::string_view::npos) path_end = line.size();
+      std::size_t folder_end = path_end == 0 ? std::string_view::npos : line.rfind('\\', path_end - 1);
+      if (folder_end == std::string_view::npos) continue;
+      std::string_view prefix = line.substr(0, folder_end + 1);
+      if (prefix != previous_prefix) {
+        FoldBytes(prefix, folded);
+        previous_folder = InternFolded(folded);
+        previous_prefix = prefix;
+      }
+      line_folder[i] = previous_folder;
+    }
+    run_by_name_.emplace(FoldedUtf8(run.node->name_), r);
+  }
+  // Direct lines of each folder, in file order.
+  std::vector<std::uint32_t> counts(folders_.size() + 1, 0);
+  for (std::uint32_t i = 1; i <= n; ++i)
+    if (line_folder[i] != kNone) ++counts[line_folder[i] + 1];
+  for (std::size_t f = 0; f < folders_.size(); ++f) {
+    counts[f + 1] += counts[f];
+    folders_[f].direct_begin = folders_[f].direct_end = counts[f];
+  }
+  direct_positions_.assign(counts.back(), 0);
+  for (std::uint32_t i = 1; i <= n; ++i) {
+    if (line_folder[i] == kNone) continue;
+    Folder& folder = folders_[line_folder[i]];
+    direct_positions_[folder.direct_end++] = i;
+    folder.min = std::min(folder.min, i);
+    folder.max = std::max(folder.max, i);
+    ++folder.count;
+  }
+  // Parents come before their children, so one backward pass sums subtrees.
+  for (std::size_t f = folders_.size(); f-- > 0;) {
+    const Folder& folder = folders_[f];
+    if (folder.parent == kNone || folder.count == 0) continue;
+    Folder& parent = folders_[folder.parent];
+    parent.min = std::min(parent.min, folder.min);
+    parent.max = std::max(parent.max, folder.max);
+    parent.count += folder.count;
+  }
+  finished_ = true;
+}
+
+std::size_t RemoteListing::MemoryBytes() const {
+  std::size_t bytes = text_.capacity() + offsets_.capacity() * 4 + direct_positions_.capacity() * 4 +
+                      folders_.capacity() * sizeof(Folder);
+  for (const auto& [key, id] : folder_ids_) bytes += key.capacity() + 48;
+  for (const Run& run : runs_) bytes += sizeof(Run) + run.check.capacity() * 4 + run.key.capacity();
+  return bytes;
+}
+
+// ---- lookups -----------------------------------------------------------------
+
+const clsTavrinETree* RemoteListing::NodeFor(std::wstring_view folder) const {
+  std::size_t slash = folder.find(L'\\');
+  std::wstring_view head = folder;
+  if (slash != folder.npos) head = folder.substr(0, machine_mode() ? slash : slash + 1);
+  auto found = run_by_name_.find(FoldedUtf8(head));
+  return found == run_by_name_.end() ? nullptr : runs_[found->second].node;
+}
+
+bool RemoteListing::LineContains(std::uint32_t position, std::string_view query) const {
+  return FoldedFind(EntryBytes(static_cast<std::int32_t>(position)), query) != std::string_view::npos;
+}
+
+void RemoteListing::CollectSubtree(std::uint32_t folder, std::vector<std::uint32_t>& out) const {
+  std::vector<std::uint32_t> stack{folder};
+  while (!stack.empty()) {
+    const Folder& f = folders_[stack.back()];
+    stack.pop_back();
+    out.insert(out.end(), direct_positions_.begin() + f.direct_begin,
+               direct_positions_.begin() + f.direct_end);
+    for (std::uint32_t c = f.first_child; c != kNone; c = folders_[c].next_sibling) stack.push_back(c);
+  }
+}
+
+void RemoteListing::PlanIndexed(const Run& run, EnumCursor& cursor) const {
+  const auto first = static_cast<std::uint32_t>(run.node->first_entry_);
+  const auto last = static_cast<std::uint32_t>(run.node->last_entry_);
+  const std::string& q = cursor.query;
+  const std::size_t split = q.rfind('\\') + 1;
+  const std::string folder_key = q.substr(0, split);
+  const std::string_view tail = std::string_view(q).substr(split);
+  cursor.kind = EnumCursor::Kind::kIndexed;
+  cursor.check = run.check.data();
+  cursor.check_end = run.check.data() + run.check.size();
+  cursor.next = 1;
+  cursor.last = 0;  // empty interval
+  cursor.sure_is_list = false;
+
+  auto found = folder_ids_.find(folder_key);
+  if (found == folder_ids_.end()) return;
+  const Folder& folder = folders_[found->second];
+  auto contiguous = [](const Folder& f) { return f.count > 0 && f.max - f.min + 1 == f.count; };
+  if (tail.empty() && (folder.count == 0 || contiguous(folder))) {
+    cursor.next = std::max(folder.min, first);
+    cursor.last = std::min(folder.max, last);
+    return;
+  }
+  std::vector<std::uint32_t>& list = cursor.sure_list;
+  if (tail.empty()) {
+    CollectSubtree(found->second, list);
+  } else {
+    for (std::uint32_t k = folder.direct_begin; k < folder.direct_end; ++k) {
+      std::uint32_t position = direct_positions_[k];
+      if (FoldedStartsWith(EntryBytes(static_cast<std::int32_t>(position)), split, tail))
+        list.push_back(position);
+    }
+    for (std::uint32_t c = folder.first_child; c != kNone; c = folders_[c].next_sibling) {
+      if (folders_[c].key->compare(split, tail.size(), tail) == 0) CollectSubtree(c, list);
+    }
+  }
+  std::sort(list.begin(), list.end());
+  list.erase(std::remove_if(list.begin(), list.end(),
+                            [&](std::uint32_t p) { return p < first || p > last; }),
+             list.end());
+  cursor.sure_is_list = true;
+}
+
+std::int32_t RemoteListing::FindFirst(std::wstring_view folder, EnumCursor& cursor,
+                                      FindData& data) const {
+  cursor = EnumCursor{};
+  const clsTavrinETree* node = finished_ ? NodeFor(folder) : nullptr;
+  if (!node) {
+    SetEmptyValues(data);
+    return -1;
+  }
+  const Run& run = runs_[run_by_name_.at(FoldedUtf8(node->name_))];
+  cursor.node = node;
+  cursor.query = FoldedUtf8(folder);
+  const std::string& q = cursor.query;
+  if (run.has_key && q.find('/') == std::string::npos && q.compare(0, run.key.size(), run.key) == 0) {
+    PlanIndexed(run, cursor);
+  } else if (run.has_key && run.check.empty() && run.key.compare(0, q.size(), q) == 0) {
+    // The folder path is a prefix of the node's own name: every line matches.
+    cursor.kind = EnumCursor::Kind::kIndexed;
+    cursor.next = static_cast<std::uint32_t>(node->first_entry_);
+    cursor.last = static_cast<std::uint32_t>(node->last_entry_);
+  } else {
+    cursor.kind = EnumCursor::Kind::kScan;
+    cursor.next = static_cast<std::uint32_t>(node->first_entry_);
+    cursor.last = static_cast<std::uint32_t>(node->last_entry_);
+  }
+  return Advance(cursor, data);
+}
+
+std::int32_t RemoteListing::FindNext(EnumCursor& cursor, FindData& data) const {
+  return Advance(cursor, data);
+}
+
+std::int32_t RemoteListing::Advance(EnumCursor& cursor, FindData& data) const {
+  std::uint32_t found = 0;
+  if (cursor.kind == EnumCursor::Kind::kScan) {
+    while (cursor.next <= cursor.last) {
+      std::uint32_t position = cursor.next++;
+      if (LineContains(position, cursor.query)) {
+        found = position;
+        break;
+      }
+    }
+  } else if (cursor.kind == EnumCursor::Kind::kIndexed) {
+    while (true) {
+      std::uint32_t sure = UINT32_MAX;
+      if (cursor.sure_is_list) {
+        if (cursor.sure_index < cursor.sure_list.size()) sure = cursor.sure_list[cursor.sure_index];
+      } else if (cursor.next <= cursor.last) {
+        sure = cursor.next;
+      }
+      std::uint32_t candidate = cursor.check != cursor.check_end ? *cursor.check : UINT32_MAX;
+      if (sure == UINT32_MAX && candidate == UINT32_MAX) break;
+      if (sure <= candidate) {
+        if (candidate == sure) ++cursor.check;
+        if (cursor.sure_is_list) {
+          ++cursor.sure_index;
+        } else {
+          ++cursor.next;
+        }
+        found = sure;
+        break;
+      }
+      ++cursor.check;
+      if (LineContains(candidate, cursor.query)) {
+        found = candidate;
+        break;
+      }
+    }
+  }
+  if (found == 0) {
+    cursor.kind = EnumCursor::Kind::kNone;
+    SetEmptyValues(data);
+    return -1;
+  }
+  Fill(found, cursor.query, data);
+  return static_cast<std::int32_t>(found);
+}
+
+}  // namespace tavrine::browsing

@@ -1,0 +1,155 @@
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "browsing/records.h"
+
+namespace tavrine::browsing {
+
+// A node of the remote entry tree: the root ("\") or a first-level node (a
+// drive, or a computer when the account has several) owning a contiguous run
+// of entry positions.
+class clsTavrinETree {
+ public:
+  clsTavrinETree() = default;
+  clsTavrinETree(const clsTavrinETree&) = delete;
+  clsTavrinETree& operator=(const clsTavrinETree&) = delete;
+
+  // Sets the name and clears the four links; 1.
+  std::int32_t InitNode(const std::wstring& name);
+  // Releases every node below this one; this one stays.
+  void DestroyTree();
+  // Makes a node, appends it to the end of the first-level chain and counts it.
+  clsTavrinETree* AppendChild(const std::wstring& name);
+
+  std::wstring name_;
+  clsTavrinETree* first_child_ = nullptr;
+  clsTavrinETree* next_sibling_ = nullptr;
+  clsTavrinETree* parent_ = nullptr;
+  clsTavrinETree* fourth_link_ = nullptr;
+  std::int32_t child_count_ = 0;
+  std::int32_t first_entry_ = 0;
+  std::int32_t last_entry_ = 0;
+  std::wstring base_path_;
+
+ private:
+  clsTavrinETree* last_child_ = nullptr;
+  std::vector<std::unique_ptr<clsTavrinETree>> owned_;
+};
+
+// Where an enumeration stands. Matches come from a stream known to match
+// (an interval or a sorted list of positions) merged with a sorted list of
+// candidates that are checked one by one; a scan checks every line of the run.
+struct EnumCursor {
+  enum class Kind { kNone, kIndexed, kScan };
+  Kind kind = Kind::kNone;
+  std::string query;  // case-folded folder path
+  const clsTavrinETree* node = nullptr;
+  // kIndexed: sure matches, interval [next, last] or list.
+  bool sure_is_list = false;
+  std::uint32_t next = 0;
+  std::uint32_t last = 0;
+  std::vector<std::uint32_t> sure_list;
+  std::size_t sure_index = 0;
+  // Checked candidates (kIndexed) — a view into the listing's per-run list.
+  const std::uint32_t* check = nullptr;
+  const std::uint32_t* check_end = nullptr;
+};
+
+// The entry array of one load (every accepted listing line, one-based, in
+// file order), the tree over it, and an index answering the folder lookups
+// exactly as a scan of the node's run would. Lines are kept as generalized
+// UTF-8 in one buffer.
+class RemoteListing {
+ public:
+  RemoteListing();
+  RemoteListing(const RemoteListing&) = delete;
+  RemoteListing& operator=(const RemoteListing&) = delete;
+
+  // Loading. machine is "" for a single-machine account.
+  void BeginFile(const std::wstring& machine);
+  // One line without its line end; false once the file's list has ended.
+  bool AddLine(std::u16string_view line);
+  // Reads a UTF-16LE file (BOM optional; CR, LF or CRLF end a line). False
+  // when it cannot be read.
+  bool AddFile(const std::wstring& path, const std::wstring& machine);
+  // Builds the index; lookups need it.
+  void Finish();
+
+  std::int32_t count() const { return static_cast<std::int32_t>(offsets_.size()) - 1; }
+  std::string_view EntryBytes(std::int32_t position) const;
+  std::wstring Entry(std::int32_t position) const;
+  bool machine_mode() const { return machine_mode_; }
+  clsTavrinETree& root() { return root_; }
+  const clsTavrinETree& root() const { return root_; }
+  // The first-level node the lookups use for a folder path, or null.
+  const clsTavrinETree* NodeFor(std::wstring_view folder) const;
+
+  // Fill `data` from the next match and return its position, or the empty
+  // values and -1.
+  std::int32_t FindFirst(std::wstring_view folder, EnumCursor& cursor, FindData& data) const;
+  std::int32_t FindNext(EnumCursor& cursor, FindData& data) const;
+
+  // Bytes held by the listing (buffers and index).
+  std::size_t MemoryBytes() const;
+
+ private:
+  struct Run {
+    clsTavrinETree* node = nullptr;
+    std::string key;  // folded first-level text up to and including the first backslash
+    bool has_key = false;
+    std::vector<std::uint32_t> check;  // lines that a prefix index cannot vouch for
+  };
+  struct Folder {
+    const std::string* key = nullptr;  // folded path ending with a backslash
+    std::uint32_t parent = kNone;
+    std::uint32_t first_child = kNone;
+    std::uint32_t next_sibling = kNone;
+    std::uint32_t direct_begin = 0;
+    std::uint32_t direct_end = 0;
+    std::uint32_t min = UINT32_MAX;
+    std::uint32_t max = 0;
+    std::uint32_t count = 0;
+  };
+  static constexpr std::uint32_t kNone = UINT32_MAX;
+
+  void AppendEntry(std::u16string_view line);
+  std::uint32_t InternFolded(const std::string& folded);
+  void PlanIndexed(const Run& run, EnumCursor& cursor) const;
+  void CollectSubtree(std::uint32_t folder, std::vector<std::uint32_t>& out) const;
+  std::int32_t Advance(EnumCursor& cursor, FindData& data) const;
+  bool LineContains(std::uint32_t position, std::string_view query) const;
+  void Fill(std::uint32_t position, std::string_view query, FindData& data) const;
+
+  clsTavrinETree root_;
+  std::string text_;
+  std::vector<std::uint32_t> offsets_;  // offsets_[k] = start of entry k; one extra at the end
+  // Loading state.
+  std::wstring machine_;
+  bool machine_mode_ = false;
+  bool first_line_of_file_ = true;
+  bool marked_form_ = false;
+  bool file_ended_ = false;
+  bool overflowed_ = false;
+  std::u16string previous_head_;
+  std::wstring previous_name_;
+  clsTavrinETree* current_node_ = nullptr;
+  std::vector<Run> runs_;
+  // Index.
+  std::unordered_map<std::string, std::size_t> run_by_name_;
+  std::unordered_map<std::string, std::uint32_t> folder_ids_;
+  std::vector<Folder> folders_;
+  std::vector<std::uint32_t> direct_positions_;
+  bool finished_ = false;
+};
+
+// Filling a record from one listing line the way the lookups do, on wide text
+// (the plain scan and the version history use it).
+void FillFromLine(std::wstring_view line, std::size_t name_begin, FindData& data);
+
+}  // namespace tavrine::browsing

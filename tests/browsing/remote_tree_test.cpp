@@ -1,0 +1,244 @@
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "browsing/case_fold.h"
+#include "browsing/file_time.h"
+#include "browsing/linear_scan.h"
+#include "browsing/remote_tree.h"
+#include "listing_files.h"
+#include "platform/path.h"
+#include "support/temp_folder.h"
+
+namespace tavrine::browsing {
+namespace {
+
+using testing::TempFolder;
+using testing::WriteUtf16File;
+
+struct Loaded {
+  TempFolder temp;
+  RemoteListing listing;
+};
+
+std::unique_ptr<Loaded> Load(const std::wstring& text, const std::wstring& machine = L"") {
+  auto loaded = std::make_unique<Loaded>();
+  auto file = loaded->temp.path() / "Backupfile.txt";
+  WriteUtf16File(file, text);
+  loaded->listing.AddFile(platform::FromFsPath(file), machine);
+  loaded->listing.Finish();
+  return loaded;
+}
+
+std::vector<std::wstring> Entries(const RemoteListing& listing) {
+  std::vector<std::wstring> out;
+  for (int i = 1; i <= listing.count(); ++i) out.push_back(listing.Entry(i));
+  return out;
+}
+
+TEST(ListingDate, ConvertsWithoutTimeZoneShift) {
+  struct Case {
+    const wchar_t* text;
+    bool ok;
+    std::uint64_t ticks;
+  };
+  // Ticks since 1601-01-01 UTC.
+  const Case cases[] = {
+      {L"01-31-2011 13:05:09", true, 129409527090000000ULL},
+      {L"01-01-1601 00:00:00", true, 0},
+      {L"02-29-2012 23:59:59", true, 129750335990000000ULL},
+      {L"02-29-2011 00:00:00", false, 0},   // no such day
+      {L"13-01-2011 00:00:00", false, 0},   // no such month
+      {L"01-31-2011 13:05", false, 0},      // four separators only
+      {L"01/31/2011 13:05:09", false, 0},   // other separators
+      {L"", false, 0},
+      {L"aa-31-2011 13:05:09", false, 0},
+  };
+  for (const Case& c : cases) {
+    FileTime time{7, 9};
+    EXPECT_EQ(ConvertListingDate(std::wstring_view(c.text), time) == DateFailure::kNone, c.ok) << c.text;
+    std::uint64_t ticks = (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
+    if (c.ok) {
+      EXPECT_EQ(ticks, c.ticks) << c.text;
+    } else {
+      EXPECT_EQ(time.dwLowDateTime, 7u) << c.text;  // left as it was
+      EXPECT_EQ(time.dwHighDateTime, 9u) << c.text;
+    }
+  }
+}
+
+TEST(ListingLoad, FormRulesAndNodes) {
+  struct Case {
+    const char* name;
+    std::wstring text;
+    std::wstring machine;
+    std::vector<std::wstring> entries;
+    std::vector<std::wstring> nodes;  // first-level names in chain order
+  };
+  const Case cases[] = {
+      {"marked form drops flag 1 only",
+       L"C:\\a.txt/1/10/01-31-2011 13:05:09/1/U\r\nC:\\b.txt/1/10/01-31-2011 13:05:09/0/U\r\n", L"",
+       {L"C:\\a.txt/1/10/01-31-2011 13:05:09/U", L"C:\\b.txt/1/10/01-31-2011 13:05:09/0/U"},
+       {L"C:\\"}},
+      {"unmarked keeps a trailing /1/U",
+       L"C:\\a.txt/1/10/01-31-2011 13:05:09/U\r\nC:\\b/1/10/01-31-2011 13:05:09/1/U\r\n", L"",
+       {L"C:\\a.txt/1/10/01-31-2011 13:05:09/U", L"C:\\b/1/10/01-31-2011 13:05:09/1/U"},
+       {L"C:\\"}},
+      {"short line ends the list",
+       L"C:\\a/1/1/01-01-2011 00:00:00/U\r\n  ab \r\nC:\\b/1/1/01-01-2011 00:00:00/U\r\n", L"",
+       {L"C:\\a/1/1/01-01-2011 00:00:00/U"}, {L"C:\\"}},
+      {"blank line ends the list", L"C:\\a/1/1/x/U\n\nD:\\b/1/1/x/U\n", L"",
+       {L"C:\\a/1/1/x/U"}, {L"C:\\"}},
+      {"drives become nodes upper-cased; a return makes a second node",
+       L"c:\\a/1/1/x/U\nd:\\b/1/1/x/U\nC:\\c/1/1/x/U\n", L"",
+       {L"c:\\a/1/1/x/U", L"d:\\b/1/1/x/U", L"C:\\c/1/1/x/U"}, {L"C:\\", L"D:\\", L"C:\\"}},
+      {"a line without backslash stays in the previous node",
+       L"C:\\a/1/1/x/U\nnoslash/1/1/x/U\n", L"", {L"C:\\a/1/1/x/U", L"noslash/1/1/x/U"}, {L"C:\\"}},
+      {"machine prefix", L"C:\\a/1/1/x/U\r\n", L"PC1", {L"PC1\\C:\\a/1/1/x/U"}, {L"PC1"}},
+      {"CR alone ends lines", L"C:\\a/1/1/x/U\rC:\\b/1/1/x/U", L"",
+       {L"C:\\a/1/1/x/U", L"C:\\b/1/1/x/U"}, {L"C:\\"}},
+  };
+  for (const Case& c : cases) {
+    auto loaded = Load(c.text, c.machine);
+    EXPECT_EQ(Entries(loaded->listing), c.entries) << c.name;
+    std::vector<std::wstring> nodes;
+    for (auto* n = loaded->listing.root().first_child_; n; n = n->next_sibling_) nodes.push_back(n->name_);
+    EXPECT_EQ(nodes, c.nodes) << c.name;
+    EXPECT_EQ(loaded->listing.root().child_count_, static_cast<int>(c.nodes.size())) << c.name;
+  }
+}
+
+struct Found {
+  std::int32_t position;
+  std::wstring name;
+  std::int64_t size;
+  std::int16_t version;
+  std::uint32_t low, high;
+  std::wstring mode;
+  bool operator==(const Found&) const = default;
+};
+
+std::vector<Found> Walk(const RemoteListing& listing, const std::wstring& folder) {
+  std::vector<Found> out;
+  EnumCursor cursor;
+  FindData data;
+  for (std::int32_t p = listing.FindFirst(folder, cursor, data); p != -1;
+       p = listing.FindNext(cursor, data)) {
+    out.push_back({p, data.cFilename, data.nFileSize, data.nVersion, data.ftLastWriteTime.dwLowDateTime,
+                   data.ftLastWriteTime.dwHighDateTime, data.strUnimode});
+  }
+  EXPECT_EQ(data.nFileSize, -1);
+  EXPECT_EQ(data.ftCreationTime.dwHighDateTime, 0xFFFFFFFFu);
+  return out;
+}
+
+std::vector<Found> Walk(LinearScanListing& scan, const std::wstring& folder) {
+  std::vector<Found> out;
+  FindData data;
+  for (std::int32_t p = scan.FindFirst(folder, data); p != -1; p = scan.FindNext(data)) {
+    out.push_back({p, data.cFilename, data.nFileSize, data.nVersion, data.ftLastWriteTime.dwLowDateTime,
+                   data.ftLastWriteTime.dwHighDateTime, data.strUnimode});
+  }
+  return out;
+}
+
+TEST(ListingFind, AnswersOfTheRun) {
+  const std::wstring text =
+      L"C:\\Docs\\a.txt/2/100/01-31-2011 13:05:09/U\r\n"
+      L"C:\\Docs\\sub\\b.txt/1/5/01-31-2011 13:05:09/X\r\n"   // folder only through its child
+      L"C:\\Other\\c.txt/1/7/01-31-2011 13:05:09/A\r\n"
+      L"D:\\Docs\\d.txt/1/7/01-31-2011 13:05:09/U\r\n";
+  auto loaded = Load(text);
+  const RemoteListing& listing = loaded->listing;
+  auto docs = Walk(listing, L"c:\\docs\\");
+  ASSERT_EQ(docs.size(), 2u);
+  EXPECT_EQ(docs[0].name, L"a.txt");
+  EXPECT_EQ(docs[0].size, 100);
+  EXPECT_EQ(docs[0].version, 2);
+  EXPECT_EQ(docs[1].name, L"sub\\b.txt");
+  EXPECT_EQ(docs[1].mode, L"X");
+  EXPECT_EQ(Walk(listing, L"C:\\Docs\\sub\\").size(), 1u);
+  EXPECT_TRUE(Walk(listing, L"E:\\").empty());          // no such node
+  EXPECT_TRUE(Walk(listing, L"C:\\Nothing\\").empty());  // node, no line
+  EXPECT_EQ(Walk(listing, L"D:\\").size(), 1u);          // D: lines stay out of C:
+  // A second find-first restarts.
+  EnumCursor cursor;
+  FindData data;
+  EXPECT_EQ(listing.FindFirst(L"C:\\Docs\\", cursor, data), 1);
+  EXPECT_EQ(listing.FindFirst(L"C:\\Docs\\", cursor, data), 1);
+}
+
+// Listings with the odd features the engine or a damaged file may produce.
+std::wstring OddListing(std::mt19937& rng, std::vector<std::wstring>& folders) {
+  const std::vector<std::wstring> names = {L"Docs", L"docs", L"Sub", L"ÄRGER", L"ärger", L"Фото",
+                                           L"фото", L"a b", L"x.y", L"C:", L"c:", L"1", L"Ω"};
+  const std::vector<std::wstring> drives = {L"C:\\", L"c:\\", L"D:\\"};
+  std::uniform_int_distribution<int> pick(0, 99);
+  std::wstring text = pick(rng) < 50 ? L"" : L"";
+  std::wstring previous;
+  const int lines = 20 + pick(rng);
+  for (int i = 0; i < lines; ++i) {
+    std::wstring path = drives[static_cast<std::size_t>(pick(rng) % (pick(rng) < 90 ? 1 : 3))];
+    const int depth = pick(rng) % 5;
+    for (int d = 0; d < depth; ++d) {
+      path += names[static_cast<std::size_t>(pick(rng)) % names.size()];
+      path += L"\\";
+      folders.push_back(path);
+      if (pick(rng) < 5) path += L"\\";  // doubled backslash
+    }
+    path += names[static_cast<std::size_t>(pick(rng)) % names.size()] + L".txt";
+    std::wstring line;
+    const int shape = pick(rng);
+    if (shape < 70) line = path + L"/3/42/01-31-2011 13:05:09/U";
+    else if (shape < 75) line = path + L"\\/1/1/01-31-2011 13:05:09/U";  // trailing backslash
+    else if (shape < 80) line = path + L"/1";                            // missing fields
+    else if (shape < 83) line = L"noslash" + std::to_wstring(i) + L"/1/1/bad date/Z";
+    else if (shape < 88) line = previous.empty() ? path + L"/1/1/x/U" : previous;  // duplicate
+    else if (shape < 92) line = path + L"/2/9/02-30-2011 10:00:00/U";   // invalid date
+    else if (shape < 96) line = path + L"/2/9/01-31-2011 13:05:09/c:\\x\\";  // key again in mode
+    else line = path + L"/9/9/01-31-2011 13:05:09/Mode";
+    previous = line;
+    text += line + (pick(rng) < 50 ? L"\r\n" : L"\n");
+  }
+  return text;
+}
+
+TEST(ListingFind, IndexAnswersAsThePlainScan) {
+  std::mt19937 rng(12345);
+  for (int round = 0; round < 60; ++round) {
+    std::vector<std::wstring> folders;
+    const std::wstring text = OddListing(rng, folders);
+    const std::wstring machine = round % 4 == 3 ? L"PC" + std::to_wstring(round) : L"";
+    auto loaded = Load(text, machine);
+    LinearScanListing scan = LinearScanListing::From(loaded->listing);
+    LinearScanListing plain;
+    plain.LoadFile(platform::FromFsPath(loaded->temp.path() / "Backupfile.txt"), machine);
+    ASSERT_EQ(plain.size(), static_cast<std::size_t>(loaded->listing.count())) << round;
+
+    std::vector<std::wstring> queries = {L"", L"C:\\", L"c:", L"D:\\", L"C:\\docs", L"c:\\Docs\\",
+                                         L"C:\\ärger\\", L"c:\\ФОТО\\", L"c:\\x", L"c:\\d",
+                                         L"C:\\Docs\\sub\\", L"c:\\c:\\", L"c:\\\\", L"C:\\1/",
+                                         L"noslash", L"c:\\a b\\"};
+    for (const std::wstring& folder : folders) {
+      queries.push_back(folder);
+      queries.push_back(UpperCaseText(folder));
+      queries.push_back(folder.substr(0, folder.size() - 1));
+      queries.push_back(folder.substr(0, folder.size() / 2 + 1));
+    }
+    if (!machine.empty()) {
+      std::vector<std::wstring> prefixed;
+      for (const std::wstring& q : queries) prefixed.push_back(machine + L"\\" + q);
+      prefixed.push_back(machine);
+      prefixed.push_back(L"pc");
+      queries.insert(queries.end(), prefixed.begin(), prefixed.end());
+    }
+    for (const std::wstring& q : queries) {
+      ASSERT_EQ(Walk(loaded->listing, q), Walk(scan, q)) << "round " << round << " query " << q.size();
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tavrine::browsing

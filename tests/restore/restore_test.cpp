@@ -1,0 +1,130 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <thread>
+
+#include "foundation/settings.h"
+#include "operations/c_restore.h"
+#include "operations/cls_api_interface.h"
+#include "platform/ini_file.h"
+#include "platform/path.h"
+#include "profile/profile_store.h"
+#include "session_fixture.h"
+
+namespace tavrine::testing {
+namespace {
+
+std::string Utf16Lines(const std::vector<std::wstring>& lines) {
+  std::string bytes = "\xFF\xFE";
+  for (const std::wstring& line : lines) {
+    for (wchar_t c : line + L"\r\n") {
+      bytes += static_cast<char>(c & 0xFF);
+      bytes += static_cast<char>((c >> 8) & 0xFF);
+    }
+  }
+  return bytes;
+}
+
+class RestoreTest : public SessionTest {
+ protected:
+  // The restore run is not waited for by the library; the test waits for its journal line.
+  std::vector<EngineRun> WaitForRuns(std::size_t count) {
+    for (int i = 0; i < 200; ++i) {
+      auto runs = install_.Journal();
+      if (runs.size() >= count) return runs;
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    return install_.Journal();
+  }
+};
+
+TEST_F(RestoreTest, RequestFilesPerHostCount) {
+  struct Case {
+    const wchar_t* host_count;
+    const wchar_t* dest;
+    const wchar_t* parent;
+    std::wstring line3, line4, hosts;
+    bool multiple;
+  };
+  const std::wstring two_hosts = L"PC1|0|1;PC2|0|1;";
+  const Case cases[] = {
+      {L"1", L"C:\\Restore\\", L"C:\\Data\\", L"C:\\Restore", L"C:\\Data", two_hosts, true},
+      {L"1", L"C:\\Restore", L"\\", L"C:\\Restore", L"\\", two_hosts, true},
+      {L"1", L"C:\\R", L"", L"C:\\R", L"", two_hosts, true},
+      {L"2", L"C:\\R\\", L"pc2\\C:\\Data", L"C:\\R", L"C:\\Data", L"PC2|0|1;", true},
+      {L"", L"C:\\R", L"C:\\Data\\", L"C:\\R", L"C:\\Data", L"alice|0;", false},
+      {L"0", L"C:\\R", L"C:\\Data\\", L"C:\\R", L"C:\\Data", L"alice|0;", false},
+  };
+  int n = 0;
+  for (const Case& c : cases) {
+    profile::UpdateUserProfile(L"HostCount", c.host_count);
+    const std::wstring folder = CallerFolder(L"restore" + std::to_wstring(n++));
+    const std::wstring mpc = folder + platform::kPathSeparator + L"MPC.ini";
+    platform::WriteIniString(L"MPC", L"Hosts", two_hosts, mpc);
+    platform::WriteIniString(L"MPC", L"HostCount", L"2", mpc);
+    install_.SetScenario(EngineScenario().On(123).Output(0));
+    const std::size_t before = install_.Journal().size();
+    clock_.ClearPauses();
+
+    EXPECT_NE(operations::CRestore().W_Restore(c.dest, c.parent, folder), -1);
+    auto runs = WaitForRuns(before + 1);
+    ASSERT_EQ(runs.size(), before + 1);
+    EXPECT_EQ(runs.back().code, 123);
+    EXPECT_EQ(runs.back().restdestdir, Utf16Lines({L"0", L"4", c.line3, c.line4})) << c.parent;
+    EXPECT_EQ(platform::ReadIniString(L"MPC", L"Hosts", mpc), c.hosts) << c.host_count;
+    EXPECT_EQ(platform::ReadIniString(L"MPC", L"HostCount", mpc), L"1");
+    EXPECT_EQ(foundation::CurrentSettings().multiple_pc, c.multiple);
+    EXPECT_EQ(clock_.pauses(), (std::vector<std::uint32_t>{2000}));
+  }
+}
+
+TEST_F(RestoreTest, EngineThatCannotStartGivesMinusOne) {
+  std::filesystem::remove(install_.path() / "TavrinEClsClient.exe");
+  EXPECT_EQ(operations::CRestore().W_Restore(L"C:\\R", L"C:\\D", CallerFolder(L"x")), -1);
+}
+
+TEST_F(RestoreTest, VersionRetries) {
+  struct Case {
+    const char* name;
+    std::vector<long long> answers;  // the last one repeats
+    std::int32_t result;
+    std::size_t runs;
+    std::vector<std::uint32_t> pauses;
+  };
+  const Case cases[] = {
+      {"three -416 answers", {-416}, -416, 3, {100, 100, 100}},
+      {"-416 then 402", {-416, 402}, 402, 2, {100}},
+      {"first answer 402", {402}, 402, 1, {}},
+      {"-403 ends at once", {-403}, -403, 1, {}},
+  };
+  for (const Case& c : cases) {
+    // Answers are counted over the whole journal, so earlier runs are padded over.
+    const std::size_t before = install_.Journal().size();
+    EngineScenario scenario;
+    scenario.On(113);
+    for (std::size_t i = 0; i < before; ++i) scenario.Output(1).Then();
+    for (std::size_t i = 0; i < c.answers.size(); ++i) {
+      if (i > 0) scenario.Then();
+      scenario.Output(c.answers[i]);
+    }
+    install_.SetScenario(scenario);
+    clock_.ClearPauses();
+    EXPECT_EQ(operations::CRestore().W_GetVersions(L"C:\\Docs\\a.txt"), c.result) << c.name;
+    EXPECT_EQ(install_.Journal().size() - before, c.runs) << c.name;
+    EXPECT_EQ(clock_.pauses(), c.pauses) << c.name;
+  }
+  // -403 showed the password-changed text with a stop icon.
+  ASSERT_EQ(ui_.boxes().size(), 1u);
+}
+
+TEST_F(RestoreTest, VersionsFolderIsTheMethodsOwn) {
+  install_.SetScenario(EngineScenario().On(113).Output(402));
+  std::wstring folder = L"given";
+  EXPECT_EQ(operations::clsAPI_Interface().API_GETVERSIONS(L"C:\\a.txt", folder), 402);
+  EXPECT_EQ(folder.rfind(TempRoot(), 0), 0u);
+  EXPECT_EQ(install_.Journal().back().folder, folder);
+}
+
+}  // namespace
+}  // namespace tavrine::testing
