@@ -17,6 +17,8 @@ class UICommands {
   // Remote delete and the firewall probe (ui_commands_delete.cpp).
   std::int32_t W_DeleteRemoteFiles(const std::wstring& sInputDelete);
   std::int32_t W_Dummycall();
+  std::int16_t UI_Login_Command(std::int32_t& hHandle);
+  std::int32_t UI_Session_Command(std::int32_t& hHandle);
 };
 
 // The only quotas of the free plans, compared exactly.

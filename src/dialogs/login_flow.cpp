@@ -1,0 +1,504 @@
+#include "dialogs/login_flow.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+#include "dialogs/dialog_texts.h"
+#include "engine/engine_run.h"
+#include "engine/exchange_folder.h"
+#include "engine/ip_resolve.h"
+#include "foundation/file_system.h"
+#include "foundation/message_table.h"
+#include "foundation/settings.h"
+#include "foundation/text_file.h"
+#include "foundation/text_util.h"
+#include "foundation/trace_log.h"
+#include "platform/module_folder.h"
+#include "platform/services.h"
+#include "profile/character_shift.h"
+#include "profile/profile_store.h"
+#include "profile/safe_name.h"
+#include "profile/user_list.h"
+#include "profile/user_name_ini.h"
+
+namespace tavrine::dialogs {
+
+namespace {
+
+using foundation::CurrentSettings;
+using foundation::JoinPath;
+using foundation::Trace;
+
+constexpr const wchar_t* kMachineCode = L"MACHINECODEREADONLY";
+constexpr const wchar_t* kSupportEmail = L"support@tavrine.com";
+constexpr const wchar_t* kProSignupPage = L"https://www.tavrine.com/tavrine/jsp/tve_prosignup.jsp";
+
+bool IsOneOf(std::int32_t code, std::initializer_list<std::int32_t> codes) {
+  return std::find(codes.begin(), codes.end(), code) != codes.end();
+}
+
+struct MessageRow {
+  LoginMessage key;
+  int id;
+  const wchar_t* english;
+};
+
+// The ids of the login messages in the language tables.
+constexpr MessageRow kMessages[] = {
+    {LoginMessage::kUserNameMissing, 760, L"Enter your Username/email address."},
+    {LoginMessage::kPasswordMissing, 761, L"Enter your password."},
+    {LoginMessage::kBadEmail, 1002, L"Enter a valid email address and try again."},
+    {LoginMessage::kBadUserName, 843, L"Enter your correct Tavrin Username."},
+    {LoginMessage::kWrongPassword, 719, L"Enter the correct Password and try again."},
+    {LoginMessage::kMaintenance, 495, L"Server is under maintanance"},
+    {LoginMessage::kNotActivated, 838,
+     L"Activate your Tavrin account by clicking on the link provided in the email. If you have "
+     L"not received the same, email us at "},
+    {LoginMessage::kNoLongerActive, 829, L"Your Tavrin account is no longer active."},
+    {LoginMessage::kCriticalException, 830,
+     L"Tavrin has encountered a critical exception. It is possible that your Operating System "
+     L"does not support 128-bit SSL encryption or is running on Internet Explorer below 6.  "
+     L"Upgrade and try again."},
+    {LoginMessage::kCannotConnect, 683, L"Unable to connect to the server. Try later."},
+    {LoginMessage::kCriticalUpdate, 718,
+     L"A critical update is being performed on our server. Try later."},
+    {LoginMessage::kOtherComputer, 720,
+     L"This account is active on another computer. Do you want to register it on this system?"},
+    {LoginMessage::kConnectivity, 722, L"Check your Internet connectivity settings and try again."},
+    {LoginMessage::kProxy, 723,
+     L"Verify the proxy IP address, port number and authentication details and try again."},
+    {LoginMessage::kBackupRunning, 1268,
+     L"You can not delete the selected files/folders as a backup operation is in progress for the "
+     L"same account. Please try again later."},
+    {LoginMessage::kReinstall, 1291,
+     L"Tavrin could not be installed successfully on your computer. Reinstall the application."},
+    {LoginMessage::kSeveralAccounts, 791,
+     L"There are multiple accounts associated with this email address. Choose the username with "
+     L"which you want to login."},
+};
+
+std::wstring MacAccountText() {
+  return std::wstring(L"This is a Mac account. The Mac and Windows accounts are not inter-operable.") +
+         L"\r\n" + L"You need to sign up for a windows specific " + CurrentSettings().product_name +
+         L" account. To proceed, click the 'OK' button. This takes you to the sign up page from "
+         L"where you can create an account." +
+         L"\r\n" + L"Alternately, visit " + kProSignupPage + L" to sign up for an account.";
+}
+
+void ShowStop(const std::wstring& text, const std::wstring& title) {
+  platform::CurrentUi().ShowMessageBox(
+      text, title.empty() ? CurrentSettings().message_title : title,
+      platform::kMbOk | platform::kMbIconStop);
+}
+
+std::wstring BoolText(bool value) { return value ? L"1" : L"0"; }
+
+std::vector<std::wstring> SplitAccounts(const std::vector<std::wstring>& lines) {
+  std::vector<std::wstring> names;
+  for (const auto& line : lines) {
+    std::size_t start = 0;
+    while (start <= line.size()) {
+      std::size_t end = line.find(kAccountSeparator, start);
+      if (end == std::wstring::npos) end = line.size();
+      std::wstring name = foundation::Trim(line.substr(start, end - start));
+      if (!name.empty()) names.push_back(name);
+      start = end + 1;
+    }
+  }
+  return names;
+}
+
+}  // namespace
+
+std::wstring LoginProgressFile() { return JoinPath(platform::ModuleFolder(), L"LoginProgress.txt"); }
+
+std::wstring LoginMessageText(LoginMessage message) {
+  if (message == LoginMessage::kMacAccount) return MacAccountText();
+  for (const auto& row : kMessages) {
+    if (row.key != message) continue;
+    std::wstring text = LocalText(row.id, row.english);
+    if (message == LoginMessage::kNotActivated) text += kSupportEmail;
+    return text;
+  }
+  return L"";
+}
+
+bool IsRetriedLoginCode(std::int32_t code) {
+  return IsOneOf(code, {0, -416, -405, -12008, -12009, -12010});
+}
+
+std::optional<LoginMessage> MessageForCode(std::int32_t code, LoginCall call,
+                                           bool entry_is_email) {
+  using M = LoginMessage;
+  switch (code) {
+    case -40:
+    case -401:
+      return entry_is_email ? M::kBadEmail : M::kBadUserName;
+    case -50:
+      return M::kMacAccount;
+    case -403:
+      return M::kWrongPassword;
+    case -404:
+      if (call == LoginCall::kCompleteSession) return std::nullopt;
+      break;
+    case -405:
+      return M::kConnectivity;
+    case -12008:
+    case -12009:
+    case -12010:
+      return M::kProxy;
+    case -417:
+      return M::kOtherComputer;
+    case -422:
+      return M::kCriticalException;
+    case -431:
+      return M::kReinstall;
+    case -505:
+      if (call == LoginCall::kCompleteSession) return std::nullopt;
+      break;
+    case -506:
+      return M::kNotActivated;
+    case -507:
+    case -514:
+      return M::kNoLongerActive;
+    case -509:
+      return M::kCriticalUpdate;
+    case -511:
+      return M::kMaintenance;
+    case -512:
+      if (call == LoginCall::kResolveEmail) return M::kBadEmail;
+      break;
+    case -513:
+      return M::kBackupRunning;
+    default:
+      break;
+  }
+  return M::kCannotConnect;
+}
+
+LoginProcedure::LoginProcedure(LoginView& view, std::wstring opened_user)
+    : view_(view), opened_user_(std::move(opened_user)) {}
+
+bool LoginProcedure::OnLogin() {
+  try {
+    logged_in_ = Run();
+  } catch (...) {
+    foundation::TraceException(L"frmLogin", L"Login_Click", foundation::DescribeCurrentException());
+    Fail(LoginMessage::kCannotConnect);
+    logged_in_ = false;
+  }
+  return logged_in_;
+}
+
+void LoginProcedure::Unlock() {
+  view_.SetLocked(false);
+  foundation::DeleteFileIfExists(LoginProgressFile());
+}
+
+void LoginProcedure::Fail(std::optional<LoginMessage> message, const std::wstring& title) {
+  Unlock();
+  if (!message) return;
+  if (*message == LoginMessage::kMacAccount) {
+    ShowMacAccount();
+    return;
+  }
+  ShowStop(LoginMessageText(*message), title);
+}
+
+void LoginProcedure::ShowMacAccount() {
+  int answer = platform::CurrentUi().ShowMessageBox(
+      MacAccountText(), CurrentSettings().message_title, platform::kMbOkCancel | platform::kMbIconStop);
+  if (answer != 1) return;
+  const std::wstring page = LanguageLink(CurrentSettings().signup_link);
+  if (view_.OpenWebPage(page) <= 32) view_.OpenWebPage(page);
+}
+
+std::wstring LoginProcedure::RandomNumber() const {
+  std::wstring random = profile::ProfileStore::ForCurrentInstallation().GetForUser(user_, L"random");
+  if (random.empty()) random = profile::ReadStoredRandomNumber();
+  if (random.empty()) random = L"Does not exist";
+  return random;
+}
+
+bool LoginProcedure::Run() {
+  foundation::LoadConfigurations();
+  auto store = profile::ProfileStore::ForCurrentInstallation();
+
+  // 1. The entered user's stored values.
+  const bool from_combo = view_.AccountChoiceShown();
+  entry_ = foundation::Trim(view_.UserNameText());
+  user_ = from_combo ? foundation::Trim(view_.ChosenAccount()) : entry_;
+  email_resolved_ = from_combo;
+  email_ = entry_.find(L'@') != std::wstring::npos ? entry_ : L"";
+  enc_password_ = store.GetForUser(user_, L"encpasswordnew");
+  if (enc_password_.empty()) enc_password_ = store.GetForUser(user_, L"encpassword");
+  status_key_ = store.GetForUser(user_, L"StatusKey");
+  if (!profile::SameUserName(user_, opened_user_)) {
+    Trace(from_combo ? L"User name changed in combo" : L"User name changed");
+    std::wstring remember = store.GetForUser(user_, L"remunamepwd");
+    if (!remember.empty()) view_.SetRememberChecked(remember != L"0");
+  }
+
+  // 2. Input.
+  if (user_.empty()) {
+    ShowStop(LoginMessageText(LoginMessage::kUserNameMissing), L"");
+    view_.FocusUserName();
+    return false;
+  }
+  password_ = view_.PasswordText();
+  if (password_.empty()) {
+    ShowStop(LoginMessageText(LoginMessage::kPasswordMissing), L"");
+    view_.FocusPassword(false);
+    return false;
+  }
+
+  // 3. Server address and port.
+  if (foundation::Trim(view_.ServerText()) == L"localhost") {
+    address_ = L"localhost";
+  } else {
+    std::wstring host = foundation::FileExists(foundation::ConfigurationFilePath())
+                            ? foundation::ReadConfigValue(L"ConnectionInfo", L"DomainName")
+                            : std::wstring(foundation::kDefaultServerHost);
+    address_ = engine::clsIPResolve().GetIPFromHostName(host);
+    if (address_.empty()) address_ = CurrentSettings().current_address;
+  }
+  port_ = CurrentSettings().port;
+  Trace(L"New3 : g_IPAddress : " + address_);
+  Trace(L"New3 : OutgoingPort : " + port_);
+
+  // The proxy of the entered user, else of the user whose profile is active.
+  auto proxy_value = [&](const wchar_t* name) {
+    std::wstring value = store.GetForUser(user_, name);
+    return value.empty() ? store.Get(name) : value;
+  };
+  proxy_.Proxyenabled = foundation::ParseInt32(proxy_value(L"Proxyset")).value_or(0);
+  proxy_.httpopt_Item = foundation::ParseInt32(proxy_value(L"proxytypehttp")).value_or(0) != 0;
+  proxy_.socksopt_Item = foundation::ParseInt32(proxy_value(L"proxytypesocks")).value_or(0) != 0;
+  proxy_.IPText = proxy_value(L"ProxyName");
+  proxy_.ProxyPort = proxy_value(L"ProxyPort");
+  proxy_.sUsername = proxy_value(L"ProxyUser");
+  proxy_.sPassword = proxy_value(L"ProxyPass");
+
+  // 4. Lock.
+  view_.SetLocked(true);
+  foundation::DeleteFileIfExists(LoginProgressFile());
+
+  const bool is_email = !email_.empty();
+  // 5. Encryption status of a plain user name or an already resolved address.
+  if (!is_email || email_resolved_) {
+    if (!CheckDefEncStatus()) return false;
+  } else {
+    // 6. E-mail address to account names.
+    bool go_on = false;
+    if (!ResolveEmail(go_on) || !go_on) return false;
+    if (!CheckDefEncStatus()) return false;
+  }
+
+  if (!Login()) return false;
+  if (!CompleteSession()) return false;
+  Save();
+  CurrentSettings().renew_random_permitted = true;
+  view_.CloseDialog();
+  return true;
+}
+
+LoginProcedure::CallResult LoginProcedure::RunCall(LoginCall call,
+                                                   const std::wstring& random_field) {
+  CallResult result;
+  const std::wstring folder = engine::MakeExchangeFolder(platform::ModuleFolder());
+  if (folder.empty()) {
+    Trace(L"frmLogin :: exchange folder could not be created");
+    return result;
+  }
+  const std::vector<std::wstring> request = [&] {
+    engine::ProxyBlock proxy = engine::ProxyArguments(proxy_, random_field);
+    return std::vector<std::wstring>{address_,
+                                     port_,
+                                     profile::ShiftCharacters(user_),
+                                     profile::ShiftCharacters(password_),
+                                     profile::ShiftCharacters(enc_password_),
+                                     proxy.AsciiRandom,
+                                     std::to_wstring(proxy.proxyexistsflag),
+                                     std::to_wstring(proxy.proxytype),
+                                     proxy.proxyserverip,
+                                     proxy.proxyserverport,
+                                     proxy.proxyserveruname,
+                                     proxy.proxyserverpwd};
+  }();
+  auto& ui = platform::CurrentUi();
+  for (int attempt = 1; attempt <= kLoginAttempts; ++attempt) {
+    client_.DeleteInputOutFilesTempFd(folder);
+    foundation::WriteUtf16Lines(JoinPath(folder, L"DLLInput.txt"), request);
+    engine::RunEngine(engine::ConfiguredEngineProgram(), static_cast<int>(call), folder);
+    bool has_result = false;
+    std::wstring description;
+    double value = 0;
+    client_.ReadDLLOutputFileTempFd(folder, has_result, description, value);
+    result.code = foundation::RoundToInt32(value);
+    if (!IsRetriedLoginCode(result.code)) break;
+    last_code_ = -416;
+    if (attempt == kLoginAttempts) break;
+    ui.PumpMessages();
+    platform::CurrentClock().Sleep(kLoginRetryPauseMs);
+    ui.PumpMessages();
+  }
+  last_code_ = static_cast<std::int16_t>(std::clamp(result.code, -32768, 32767));
+  if (auto lines = foundation::ReadAnsiLines(JoinPath(folder, L"DLLOutput1.txt"))) {
+    result.output1 = std::move(*lines);
+  }
+  foundation::DeleteFolderTree(folder);
+  return result;
+}
+
+bool LoginProcedure::CheckDefEncStatus() {
+  Trace(L"Checking for account status calling CheckDefEncStatus");
+  const std::int32_t code = RunCall(LoginCall::kEncryptionStatus, RandomNumber()).code;
+  Trace(L"Return value from 110 calling : " + std::to_wstring(code));
+  bool go_on = false;
+  switch (code) {
+    case 900: {
+      Trace(L"Entered into ENC_STATUS_EMPTY");
+      KeyChoice choice = view_.ShowEncKeyOption();
+      go_on = choice.accepted;
+      if (go_on) enc_password_ = choice.key;
+      break;
+    }
+    case 901:
+      Trace(L"Entered into ENC_STATUS_DEFAULT");
+      go_on = true;
+      break;
+    case 902: {
+      Trace(L"Entered into ENC_STATUS_PRIVATE");
+      KeyChoice choice = view_.ShowEncryptionPsd();
+      go_on = choice.accepted;
+      if (go_on) enc_password_ = choice.key;
+      break;
+    }
+    default:
+      Trace(L"bEncKeyStausRetVal value : False");
+      Fail(MessageForCode(code, LoginCall::kEncryptionStatus, !email_.empty()));
+      return false;
+  }
+  status_key_ = std::to_wstring(code);
+  Trace(std::wstring(L"bEncKeyStausRetVal value : ") + (go_on ? L"True" : L"False"));
+  if (!go_on) Unlock();
+  return go_on;
+}
+
+bool LoginProcedure::ResolveEmail(bool& go_on) {
+  go_on = false;
+  user_ = entry_;
+  CallResult result = RunCall(LoginCall::kResolveEmail, RandomNumber());
+  if (result.code != 402 && result.code != 1000) {
+    if (IsOneOf(result.code, {-416, -405, -504, -12008, -12009, -12010})) {
+      Fail(LoginMessage::kCannotConnect);
+    } else {
+      Fail(MessageForCode(result.code, LoginCall::kResolveEmail, true));
+    }
+    return false;
+  }
+  std::vector<std::wstring> names = SplitAccounts(result.output1);
+  if (names.empty()) {
+    Fail(LoginMessage::kBadEmail);
+    return false;
+  }
+  Trace(L"Email Id resolved");
+  if (names.size() == 1) {
+    user_ = names.front();
+    email_resolved_ = true;
+    go_on = true;
+    return true;
+  }
+  view_.ShowAccountChoice(names);
+  user_ = names.front();
+  bool status = CheckDefEncStatus();
+  Trace(std::wstring(L"Return Value from CheckDefEncKeyStatus") + (status ? L" : True" : L" : False"));
+  if (!status) return false;
+  Unlock();
+  ShowStop(LoginMessageText(LoginMessage::kSeveralAccounts), L"");
+  return true;
+}
+
+bool LoginProcedure::Login() {
+  CallResult result = RunCall(LoginCall::kLogin, kMachineCode);
+  if (result.code == -511) {
+    Fail(LoginMessage::kMaintenance, CurrentSettings().product_name + L" login failure");
+    return false;
+  }
+  if (result.code <= 0) {
+    Fail(MessageForCode(result.code, LoginCall::kLogin, !email_.empty()));
+    if (result.code == -403) view_.FocusPassword(true);
+    return false;
+  }
+  // The account the engine logged in, when the dialog had no name.
+  if (user_.empty() && !result.output1.empty()) user_ = foundation::Trim(result.output1.front());
+  return true;
+}
+
+bool LoginProcedure::CompleteSession() {
+  for (int asks = 0;;) {
+    CallResult result = RunCall(LoginCall::kCompleteSession, RandomNumber());
+    if (result.code > 0) return true;
+    if (result.code == -404) {
+      if (++asks > kMaxEncryptionPasswordAsks) {
+        Unlock();
+        ShowStop(foundation::MessageText(-404).value_or(L""), L"");
+        return false;
+      }
+      KeyChoice choice = view_.ShowEncryptionPsd();
+      if (!choice.accepted) {
+        Unlock();
+        return false;
+      }
+      enc_password_ = choice.key;
+      continue;
+    }
+    if (result.code == -505) {
+      // Nothing to report; the next -505 of an operation may renew the number.
+      CurrentSettings().renew_random_permitted = true;
+      Fail(std::nullopt);
+      return false;
+    }
+    Fail(MessageForCode(result.code, LoginCall::kCompleteSession, !email_.empty()));
+    return false;
+  }
+}
+
+void LoginProcedure::Save() {
+  auto store = profile::ProfileStore::ForCurrentInstallation();
+  auto put = [&](const wchar_t* name, const std::wstring& value) {
+    store.UpdateForUser(user_, name, value);
+  };
+  // The proxy may have been set before this user had a profile.
+  const bool had_proxy = !store.GetForUser(user_, L"Proxyset").empty();
+  put(L"username", user_);
+  put(L"password", password_);
+  put(L"useremailid", email_);
+  put(L"useremailidExist", BoolText(!email_.empty()));
+  put(L"encpassword", enc_password_);
+  put(L"encpasswordnew", enc_password_);
+  put(L"serverip", address_);
+  put(L"IPAddress", address_);
+  put(L"port", port_);
+  put(L"remunamepwd", BoolText(view_.RememberChecked()));
+  put(L"StatusKey", status_key_);
+  put(L"AutoReconnect", BoolText(view_.AutoReconnectChecked()));
+  put(L"Interactive", L"1");
+  if (store.GetForUser(user_, L"display").empty()) put(L"display", L"true");
+  if (store.GetForUser(user_, L"RealTimeBackup").empty()) put(L"RealTimeBackup", L"0");
+  if (!had_proxy) {
+    put(L"Proxyset", std::to_wstring(proxy_.Proxyenabled));
+    put(L"proxytypehttp", BoolText(proxy_.httpopt_Item));
+    put(L"proxytypesocks", BoolText(proxy_.socksopt_Item));
+    put(L"ProxyName", proxy_.IPText);
+    put(L"ProxyPort", proxy_.ProxyPort);
+    put(L"ProxyAuthOn", BoolText(!proxy_.sUsername.empty()));
+    put(L"ProxyUser", proxy_.sUsername);
+    put(L"ProxyPass", proxy_.sPassword);
+  }
+  store.SetCurrentUser(user_);
+  store.SetDefaultUser(user_);
+  profile::AddToUserList(user_);
+}
+
+}  // namespace tavrine::dialogs

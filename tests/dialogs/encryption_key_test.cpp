@@ -1,0 +1,134 @@
+#include "dialogs/encryption_key.h"
+
+#include <gtest/gtest.h>
+
+#include "foundation/settings.h"
+#include "support/install_folder.h"
+
+namespace tavrine::dialogs {
+namespace {
+
+class FakeKeyOptionView : public EncKeyOptionView {
+ public:
+  bool default_key = false;
+  std::wstring key1, key2;
+  bool cleared = false, focused = false, closed = false;
+  bool DefaultKeySelected() override { return default_key; }
+  std::wstring Key1() override { return key1; }
+  std::wstring Key2() override { return key2; }
+  void ClearKeys() override { cleared = true; key1.clear(); key2.clear(); }
+  void FocusKey1() override { focused = true; }
+  void CloseDialog() override { closed = true; }
+};
+
+struct KeyRow {
+  const char* name;
+  bool default_key;
+  std::wstring key1, key2;
+  const wchar_t* box;  // nullptr: none
+  unsigned style;
+  bool cleared;
+  bool accepted;
+  std::wstring handed_back;
+};
+
+const std::wstring k256(256, L'k');
+
+TEST(EncKeyOption, ContinueChecksInOrder) {
+  const KeyRow rows[] = {
+      {"too short", false, L"abc", L"abc", L"The encryption password must contain at least 4 characters.",
+       platform::kMbIconStop, true, false, L""},
+      {"trimmed", false, L"  abcd  ", L"  abcd  ", L"Keep a hard copy of the encryption key safely to backup and restore data at a later date.",
+       platform::kMbIconInformation, false, true, L"abcd"},
+      {"compared before trimming", false, L"abcd", L"abcd ",
+       L"The confirmation password and the password must be the same. Try again", platform::kMbIconStop,
+       true, false, L""},
+      {"case matters", false, L"abcd", L"ABCD",
+       L"The confirmation password and the password must be the same. Try again", platform::kMbIconStop,
+       true, false, L""},
+      {"both empty", false, L"", L"", L"Encryption password can not be left blank.", platform::kMbIconStop,
+       false, false, L""},
+      {"only blanks", false, L"   ", L"   ", L"Encryption password can not be left blank.",
+       platform::kMbIconStop, false, false, L""},
+      {"256 after trimming", false, L" " + k256, L" " + k256,
+       L"The encryption password can not exceed 255 characters.", platform::kMbOk, true, false, L""},
+      {"255 is fine", false, k256.substr(1), k256.substr(1),
+       L"Keep a hard copy of the encryption key safely to backup and restore data at a later date.",
+       platform::kMbIconInformation, false, true, k256.substr(1)},
+      {"default ignores the fields", true, L"x", L"y", nullptr, 0, false, true, L"DEF"},
+  };
+  testing::InstallFolder install;
+  install.WriteStandardConfiguration();
+  foundation::LoadConfigurations();
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    install.ui() = testing::RecordingUi();
+    FakeKeyOptionView view;
+    view.default_key = row.default_key;
+    view.key1 = row.key1;
+    view.key2 = row.key2;
+    EncKeyOptionPresenter presenter(view);
+    presenter.OnContinue();
+    if (row.box) {
+      ASSERT_EQ(install.ui().boxes().size(), 1u);
+      EXPECT_EQ(install.ui().boxes()[0].text, row.box);
+      EXPECT_EQ(install.ui().boxes()[0].style, row.style);
+      EXPECT_EQ(install.ui().boxes()[0].title, foundation::CurrentSettings().message_title);
+    } else {
+      EXPECT_TRUE(install.ui().boxes().empty());
+    }
+    EXPECT_EQ(view.cleared, row.cleared);
+    EXPECT_EQ(view.focused, !row.accepted);
+    EXPECT_EQ(view.closed, row.accepted);
+    EXPECT_EQ(presenter.choice().accepted, row.accepted);
+    EXPECT_EQ(presenter.choice().key, row.handed_back);
+  }
+}
+
+TEST(EncKeyOption, CloseHandsBackNothing) {
+  FakeKeyOptionView view;
+  view.key1 = view.key2 = L"abcd";
+  EncKeyOptionPresenter presenter(view);
+  presenter.OnClose();
+  EXPECT_TRUE(view.closed);
+  EXPECT_FALSE(presenter.choice().accepted);
+  EXPECT_EQ(presenter.choice().key, L"");
+}
+
+class FakePsdView : public EncryptionPsdView {
+ public:
+  std::wstring key;
+  bool cleared = false, focused = false, closed = false;
+  std::wstring Key() override { return key; }
+  void ClearKey() override { cleared = true; }
+  void FocusKey() override { focused = true; }
+  void CloseDialog() override { closed = true; }
+};
+
+TEST(EncryptionPsd, BlankStaysOpenAndAnyTextIsHandedBackTrimmed) {
+  testing::InstallFolder install;
+  FakePsdView blank;
+  blank.key = L"  ";
+  EncryptionPsdPresenter blank_presenter(blank);
+  blank_presenter.OnContinue();
+  EXPECT_TRUE(blank.cleared && blank.focused);
+  EXPECT_FALSE(blank.closed);
+  ASSERT_EQ(install.ui().boxes().size(), 1u);
+  EXPECT_EQ(install.ui().boxes()[0].text, L"Encryption password can not be left blank.");
+
+  FakePsdView given;
+  given.key = L" ab ";  // no length rule here: the service decides
+  EncryptionPsdPresenter presenter(given);
+  presenter.OnContinue();
+  EXPECT_TRUE(given.closed);
+  EXPECT_TRUE(presenter.choice().accepted);
+  EXPECT_EQ(presenter.choice().key, L"ab");
+}
+
+TEST(EncryptionKeyTexts, MisspellingIsKept) {
+  testing::InstallFolder install;
+  EXPECT_EQ(KeyMessageText(KeyMessage::kEnterPassword), L"Enter the enyrption password.");
+}
+
+}  // namespace
+}  // namespace tavrine::dialogs

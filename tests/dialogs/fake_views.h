@@ -1,0 +1,78 @@
+#pragma once
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "dialogs/login_flow.h"
+
+namespace tavrine::testing {
+
+// frmLogin without a window: fields the test fills, and a record of what the
+// procedure did to them.
+class FakeLoginView : public dialogs::LoginView {
+ public:
+  std::wstring user_name;
+  std::wstring password = L"pw";
+  std::wstring server = L"localhost";
+  bool remember = true;
+  bool auto_reconnect = false;
+  bool choice_shown = false;
+  std::wstring chosen;
+  std::vector<std::wstring> choice_names;
+  bool locked = false;
+  int lock_count = 0;
+  bool closed = false;
+  std::wstring focus;  // "user", "password", "password+select"
+  std::deque<dialogs::KeyChoice> key_option_answers;
+  std::deque<dialogs::KeyChoice> psd_answers;
+  int key_option_shows = 0;
+  int psd_shows = 0;
+  std::deque<std::intptr_t> browser_answers;
+  std::vector<std::wstring> opened_pages;
+
+  std::wstring UserNameText() override { return user_name; }
+  bool AccountChoiceShown() override { return choice_shown; }
+  std::wstring ChosenAccount() override { return chosen; }
+  std::wstring PasswordText() override { return password; }
+  bool RememberChecked() override { return remember; }
+  void SetRememberChecked(bool checked) override { remember = checked; }
+  bool AutoReconnectChecked() override { return auto_reconnect; }
+  std::wstring ServerText() override { return server; }
+  void SetLocked(bool value) override {
+    locked = value;
+    if (value) ++lock_count;
+  }
+  void FocusUserName() override { focus = L"user"; }
+  void FocusPassword(bool select_all) override { focus = select_all ? L"password+select" : L"password"; }
+  void ShowAccountChoice(const std::vector<std::wstring>& names) override {
+    choice_shown = true;
+    choice_names = names;
+    chosen = names.empty() ? L"" : names.front();
+  }
+  dialogs::KeyChoice ShowEncKeyOption() override {
+    ++key_option_shows;
+    return Next(key_option_answers);
+  }
+  dialogs::KeyChoice ShowEncryptionPsd() override {
+    ++psd_shows;
+    return Next(psd_answers);
+  }
+  std::intptr_t OpenWebPage(const std::wstring& address) override {
+    opened_pages.push_back(address);
+    if (browser_answers.empty()) return 42;
+    std::intptr_t answer = browser_answers.front();
+    browser_answers.pop_front();
+    return answer;
+  }
+  void CloseDialog() override { closed = true; }
+
+ private:
+  static dialogs::KeyChoice Next(std::deque<dialogs::KeyChoice>& answers) {
+    if (answers.empty()) return {};
+    dialogs::KeyChoice answer = answers.front();
+    if (answers.size() > 1) answers.pop_front();
+    return answer;
+  }
+};
+
+}  // namespace tavrine::testing

@@ -1,0 +1,426 @@
+#include "dialogs/login_flow.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <initializer_list>
+
+#include "../operations/session_fixture.h"
+#include "fake_views.h"
+#include "foundation/settings.h"
+#include "platform/path.h"
+#include "profile/profile_store.h"
+#include "profile/user_list.h"
+#include "support/install_folder.h"
+
+namespace tavrine::dialogs {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::EngineScenario;
+
+constexpr const wchar_t* kTitle = L"TavrinE Online Backup";
+
+// One line of a UTF-16LE request file.
+std::wstring RequestLine(const std::optional<std::string>& request, int line_number) {
+  if (!request) return L"<no request>";
+  std::wstring text;
+  for (std::size_t i = 2; i + 1 < request->size(); i += 2) {
+    text += static_cast<wchar_t>(static_cast<unsigned char>((*request)[i]) |
+                                 (static_cast<unsigned char>((*request)[i + 1]) << 8));
+  }
+  std::size_t start = 0;
+  for (int line = 1; line < line_number; ++line) start = text.find(L"\r\n", start) + 2;
+  return text.substr(start, text.find(L"\r\n", start) - start);
+}
+
+class LoginTest : public testing::SessionTest {
+ protected:
+  void SetUp() override {
+    SessionTest::SetUp();
+    testing::ResetProfileStore();
+    view_.user_name = L"alice";
+  }
+
+  bool PressLogin() { return procedure_.OnLogin(); }
+  std::vector<int> Codes() const {
+    std::vector<int> codes;
+    for (const auto& run : install_.Journal()) codes.push_back(run.code.value_or(-1));
+    return codes;
+  }
+  bool Saved(const std::wstring& user) const {
+    return !profile::ProfileStore::ForCurrentInstallation().GetForUser(user, L"password").empty();
+  }
+  std::size_t ExchangeFolders() const {
+    fs::path temp = install_.path() / "Temp";
+    if (!fs::exists(temp)) return 0;
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(temp), fs::directory_iterator()));
+  }
+
+  testing::FakeLoginView view_;
+  LoginProcedure procedure_{view_, L""};
+};
+
+// A plain login (status 901, login 402, session 403) but for the codes the
+// test scripts itself: a code's queue can be opened only once.
+EngineScenario Happy(std::initializer_list<int> scripted = {}) {
+  auto free = [&](int code) { return std::find(scripted.begin(), scripted.end(), code) == scripted.end(); };
+  EngineScenario s;
+  if (free(110)) s.On(110).Output(901);
+  if (free(116)) s.On(116).Output(402);
+  if (free(111)) s.On(111).Output(403);
+  return s;
+}
+
+struct CodeRow {
+  int call;
+  int code;
+  const wchar_t* entry;
+  const wchar_t* text;  // nullptr: no box
+};
+
+// Every row of the code table, at the call it belongs to. Entries with "@"
+// pass 117 (one account, "bob") before reaching the call.
+const CodeRow kCodeRows[] = {
+    {116, -40, L"alice", L"Enter your correct TavrinE Username."},
+    {116, -401, L"alice", L"Enter your correct TavrinE Username."},
+    {116, -401, L"bob@example.com", L"Enter a valid email address and try again."},
+    {116, -403, L"alice", L"Enter the correct Password and try again."},
+    {116, -405, L"alice", L"Check your Internet connectivity settings and try again."},
+    {116, -416, L"alice", L"Unable to connect to the server. Try later."},
+    {116, -417, L"alice", L"This account is active on another computer. Do you want to register it on this system?"},
+    {116, -422, L"alice", L"TavrinE has encountered a critical exception. It is possible that your Operating System does not support 128-bit SSL encryption or is running on Internet Explorer below 6.  Upgrade and try again."},
+    {116, -431, L"alice", L"TavrinE could not be installed successfully on your computer. Reinstall the application."},
+    {116, -504, L"alice", L"Unable to connect to the server. Try later."},
+    {116, -506, L"alice", L"Activate your TavrinE account by clicking on the link provided in the email. If you have not received the same, email us at support@tavrine.com"},
+    {116, -507, L"alice", L"Your TavrinE account is no longer active."},
+    {116, -514, L"alice", L"Your TavrinE account is no longer active."},
+    {116, -508, L"alice", L"Unable to connect to the server. Try later."},
+    {116, -509, L"alice", L"A critical update is being performed on our server. Try later."},
+    {116, -513, L"alice", L"You can not delete the selected files/folders as a backup operation is in progress for the same account. Please try again later."},
+    {116, -12008, L"alice", L"Verify the proxy IP address, port number and authentication details and try again."},
+    {116, -12010, L"alice", L"Verify the proxy IP address, port number and authentication details and try again."},
+    {116, -777, L"alice", L"Unable to connect to the server. Try later."},
+    {116, -512, L"alice", L"Unable to connect to the server. Try later."},
+    {111, -417, L"alice", L"This account is active on another computer. Do you want to register it on this system?"},
+    {111, -422, L"alice", L"TavrinE has encountered a critical exception. It is possible that your Operating System does not support 128-bit SSL encryption or is running on Internet Explorer below 6.  Upgrade and try again."},
+    {111, -505, L"alice", nullptr},
+    {111, -511, L"alice", L"Server is under maintanance"},
+    {117, -512, L"bob@example.com", L"Enter a valid email address and try again."},
+    {117, -40, L"bob@example.com", L"Enter a valid email address and try again."},
+    {117, -405, L"bob@example.com", L"Unable to connect to the server. Try later."},
+    {117, -12009, L"bob@example.com", L"Unable to connect to the server. Try later."},
+    {117, -504, L"bob@example.com", L"Unable to connect to the server. Try later."},
+    {117, -506, L"bob@example.com", L"Activate your TavrinE account by clicking on the link provided in the email. If you have not received the same, email us at support@tavrine.com"},
+    {110, -506, L"alice", L"Activate your TavrinE account by clicking on the link provided in the email. If you have not received the same, email us at support@tavrine.com"},
+    {110, -511, L"alice", L"Server is under maintanance"},
+    {110, -404, L"alice", L"Unable to connect to the server. Try later."},
+};
+
+TEST_F(LoginTest, EachFailureCodeShowsItsOneMessageAndLeavesTheProfileAlone) {
+  for (const auto& row : kCodeRows) {
+    SCOPED_TRACE(::testing::Message() << row.call << " " << row.code);
+    testing::ResetProfileStore();
+    fs::remove(install_.path() / "engine-journal.txt");
+    ui_ = testing::RecordingUi();
+    view_ = testing::FakeLoginView();
+    view_.user_name = row.entry;
+    EngineScenario s = Happy({row.call});
+    if (row.call != 117) s.On(117).Output(402).WithFile("DLLOutput1.txt", "bob\r\n");
+    s.On(row.call).Info(row.code);
+    install_.SetScenario(s);
+
+    LoginProcedure procedure(view_, L"");
+    EXPECT_FALSE(procedure.OnLogin());
+    if (row.text) {
+      ASSERT_EQ(ui_.boxes().size(), 1u);
+      EXPECT_EQ(ui_.boxes()[0].text, row.text);
+      EXPECT_EQ(ui_.boxes()[0].title, kTitle);
+      EXPECT_EQ(ui_.boxes()[0].style, platform::kMbIconStop);
+    } else {
+      EXPECT_TRUE(ui_.boxes().empty());
+    }
+    EXPECT_EQ(procedure.result_code(), row.code);
+    EXPECT_FALSE(view_.locked);
+    EXPECT_FALSE(view_.closed);
+    EXPECT_FALSE(Saved(L"alice"));
+    EXPECT_FALSE(Saved(L"bob"));
+    EXPECT_EQ(profile::CurrentUserName(), L"");
+    EXPECT_EQ(ExchangeFolders(), 0u);
+    EXPECT_EQ(Codes().back(), row.call);
+  }
+}
+
+TEST_F(LoginTest, MaintenanceAtLoginHasItsOwnTitleAndEndsTheAttemptsAtOnce) {
+  EngineScenario s = Happy({116});
+  s.On(116).Info(-511);
+  install_.SetScenario(s);
+  EXPECT_FALSE(PressLogin());
+  ASSERT_EQ(ui_.boxes().size(), 1u);
+  EXPECT_EQ(ui_.boxes()[0].text, L"Server is under maintanance");
+  EXPECT_EQ(ui_.boxes()[0].title, L"TavrinE login failure");
+  EXPECT_EQ(Codes(), (std::vector<int>{110, 116}));
+  EXPECT_EQ(procedure_.result_code(), -511);
+  EXPECT_TRUE(clock_.pauses().empty());
+}
+
+TEST_F(LoginTest, SuccessSendsTheEnteredAccountAndSavesTheProfile) {
+  install_.SetScenario(Happy());
+  view_.password = L"s3cret";
+  view_.auto_reconnect = true;
+  foundation::CurrentSettings().renew_random_permitted = false;
+  ASSERT_TRUE(PressLogin());
+  EXPECT_TRUE(view_.closed);
+  EXPECT_TRUE(ui_.boxes().empty());
+  EXPECT_EQ(Codes(), (std::vector<int>{110, 116, 111}));
+  auto runs = install_.Journal();
+  EXPECT_EQ(RequestLine(runs[1].request, 1), L"localhost");
+  EXPECT_EQ(RequestLine(runs[1].request, 2), L"443");
+  EXPECT_EQ(RequestLine(runs[1].request, 3), L"cnkeg");   // alice, shifted
+  EXPECT_EQ(RequestLine(runs[1].request, 4), L"u5etgv");  // s3cret, shifted
+  EXPECT_EQ(RequestLine(runs[1].request, 6), L"MACHINECODEREADONLY");
+  EXPECT_EQ(RequestLine(runs[0].request, 6), L"Does not exist");
+  EXPECT_EQ(procedure_.result_code(), 403);
+  EXPECT_EQ(ExchangeFolders(), 0u);
+
+  auto store = profile::ProfileStore::ForCurrentInstallation();
+  EXPECT_EQ(profile::CurrentUserName(), L"alice");
+  EXPECT_EQ(profile::DefaultUserName(), L"alice");
+  EXPECT_EQ(store.GetForUser(L"alice", L"username"), L"alice");
+  EXPECT_EQ(store.GetForUser(L"alice", L"password"), L"s3cret");
+  EXPECT_EQ(store.GetForUser(L"alice", L"serverip"), L"localhost");
+  EXPECT_EQ(store.GetForUser(L"alice", L"AutoReconnect"), L"1");
+  EXPECT_EQ(store.GetForUser(L"alice", L"remunamepwd"), L"1");
+  EXPECT_EQ(store.GetForUser(L"alice", L"StatusKey"), L"901");
+  EXPECT_EQ(store.GetForUser(L"alice", L"useremailidExist"), L"0");
+  EXPECT_EQ(profile::ReadUserList(), (std::vector<std::wstring>{L"alice"}));
+  EXPECT_TRUE(foundation::CurrentSettings().renew_random_permitted);
+  // Secrets never reach the trace log.
+  std::string trace = TraceText();
+  EXPECT_EQ(trace.find("s3cret"), std::string::npos);
+  for (const char* line : {"Checking for account status calling CheckDefEncStatus",
+                           "Return value from 110 calling : 901", "Entered into ENC_STATUS_DEFAULT",
+                           "New3 : g_IPAddress : localhost", "New3 : OutgoingPort : 443"}) {
+    EXPECT_NE(trace.find(line), std::string::npos) << line;
+  }
+}
+
+struct InputRow {
+  const wchar_t* user;
+  const wchar_t* password;
+  const wchar_t* text;
+  const wchar_t* focus;
+};
+
+TEST_F(LoginTest, MissingInputStopsBeforeAnyEngineRun) {
+  const InputRow rows[] = {
+      {L"", L"pw", L"Enter your Username/email address.", L"user"},
+      {L"   ", L"pw", L"Enter your Username/email address.", L"user"},
+      {L"alice", L"", L"Enter your password.", L"password"},
+  };
+  install_.SetScenario(Happy());
+  for (const auto& row : rows) {
+    ui_ = testing::RecordingUi();
+    view_.user_name = row.user;
+    view_.password = row.password;
+    view_.focus.clear();
+    EXPECT_FALSE(PressLogin());
+    ASSERT_EQ(ui_.boxes().size(), 1u);
+    EXPECT_EQ(ui_.boxes()[0].text, row.text);
+    EXPECT_EQ(view_.focus, row.focus);
+    EXPECT_EQ(view_.lock_count, 0);
+  }
+  EXPECT_TRUE(install_.Journal().empty());
+}
+
+TEST_F(LoginTest, WrongPasswordSelectsThePasswordField) {
+  EngineScenario s = Happy({116});
+  s.On(116).Info(-403);
+  install_.SetScenario(s);
+  EXPECT_FALSE(PressLogin());
+  EXPECT_EQ(view_.focus, L"password+select");
+}
+
+TEST_F(LoginTest, NetworkFailuresAreRetriedThreeTimesWithFiveSecondPauses) {
+  EngineScenario s = Happy({116});
+  s.On(116).Info(-416).Then().Info(-12009).Then().Output(402);
+  install_.SetScenario(s);
+  EXPECT_TRUE(PressLogin());
+  EXPECT_EQ(Codes(), (std::vector<int>{110, 116, 116, 116, 111}));
+  EXPECT_EQ(clock_.pauses(), (std::vector<std::uint32_t>{5000, 5000}));
+  EXPECT_GE(ui_.pumps(), 4);
+
+  // Three answers of "no result": the login gives up with one message.
+  testing::ResetProfileStore();
+  fs::remove(install_.path() / "engine-journal.txt");
+  clock_.ClearPauses();
+  EngineScenario silent = Happy({116});
+  silent.On(116).Output(0);
+  install_.SetScenario(silent);
+  LoginProcedure again(view_, L"");
+  EXPECT_FALSE(again.OnLogin());
+  EXPECT_EQ(Codes(), (std::vector<int>{110, 116, 116, 116}));
+  EXPECT_EQ(clock_.pauses(), (std::vector<std::uint32_t>{5000, 5000}));
+  EXPECT_EQ(ui_.boxes().back().text, L"Unable to connect to the server. Try later.");
+}
+
+TEST_F(LoginTest, NetworkFailureToTheEndKeepsTheNetworkCode) {
+  EngineScenario s = Happy({116});
+  s.On(116).Info(-416);
+  install_.SetScenario(s);
+  EXPECT_FALSE(PressLogin());
+  EXPECT_EQ(procedure_.result_code(), -416);
+  EXPECT_EQ(clock_.CountPauses(5000), 2u);
+}
+
+TEST_F(LoginTest, EmailWithOneAccountLogsThatAccountIn) {
+  EngineScenario s = Happy({117});
+  s.On(117).Output(1000).WithFile("DLLOutput1.txt", "bob\r\n");
+  install_.SetScenario(s);
+  view_.user_name = L"bob@example.com";
+  ASSERT_TRUE(PressLogin());
+  EXPECT_FALSE(view_.choice_shown);
+  EXPECT_EQ(Codes(), (std::vector<int>{117, 110, 116, 111}));
+  auto runs = install_.Journal();
+  EXPECT_EQ(RequestLine(runs[0].request, 3), L"dqdBgzcorng0eqo");  // the address, shifted
+  EXPECT_EQ(RequestLine(runs[2].request, 3), L"dqd");              // bob
+  auto store = profile::ProfileStore::ForCurrentInstallation();
+  EXPECT_EQ(profile::CurrentUserName(), L"bob");
+  EXPECT_EQ(store.GetForUser(L"bob", L"useremailid"), L"bob@example.com");
+  EXPECT_EQ(store.GetForUser(L"bob", L"useremailidExist"), L"1");
+  EXPECT_NE(TraceText().find("Email Id resolved"), std::string::npos);
+}
+
+TEST_F(LoginTest, EmailWithSeveralAccountsOffersAChoiceAndLogsInOnTheNextPress) {
+  EngineScenario s = Happy({117});
+  s.On(117).Output(402).WithFile("DLLOutput1.txt", "bob|carol\r\n");
+  install_.SetScenario(s);
+  view_.user_name = L"bob@example.com";
+  EXPECT_FALSE(PressLogin());
+  EXPECT_EQ(view_.choice_names, (std::vector<std::wstring>{L"bob", L"carol"}));
+  ASSERT_EQ(ui_.boxes().size(), 1u);
+  EXPECT_EQ(ui_.boxes()[0].text,
+            L"There are multiple accounts associated with this email address. Choose the username "
+            L"with which you want to login.");
+  EXPECT_EQ(Codes(), (std::vector<int>{117, 110}));
+  EXPECT_FALSE(view_.locked);
+  EXPECT_FALSE(Saved(L"bob"));
+
+  view_.chosen = L"carol";
+  ASSERT_TRUE(PressLogin());
+  EXPECT_EQ(Codes(), (std::vector<int>{117, 110, 110, 116, 111}));
+  EXPECT_EQ(RequestLine(install_.Journal()[3].request, 3), L"ectqn");  // carol
+  EXPECT_EQ(profile::CurrentUserName(), L"carol");
+  EXPECT_NE(TraceText().find("User name changed in combo"), std::string::npos);
+}
+
+TEST_F(LoginTest, WrongEncryptionPasswordAsksAgainAndRepeatsTheSession) {
+  EngineScenario s = Happy({111});
+  s.On(111).Info(-404).Then().Info(-404).Then().Output(403);
+  install_.SetScenario(s);
+  view_.psd_answers = {{true, L"first"}, {true, L"key2"}};
+  ASSERT_TRUE(PressLogin());
+  EXPECT_EQ(view_.psd_shows, 2);
+  EXPECT_EQ(Codes(), (std::vector<int>{110, 116, 111, 111, 111}));
+  EXPECT_EQ(RequestLine(install_.Journal()[4].request, 5), L"mg{4");  // key2, shifted
+  EXPECT_EQ(profile::ProfileStore::ForCurrentInstallation().GetForUser(L"alice", L"encpasswordnew"),
+            L"key2");
+  EXPECT_TRUE(ui_.boxes().empty());
+  EXPECT_EQ(TraceText().find("key2"), std::string::npos);
+}
+
+TEST_F(LoginTest, ClosingThePasswordDialogEndsTheLoginQuietly) {
+  EngineScenario s = Happy({111});
+  s.On(111).Info(-404);
+  install_.SetScenario(s);
+  view_.psd_answers = {{false, L""}};
+  EXPECT_FALSE(PressLogin());
+  EXPECT_TRUE(ui_.boxes().empty());
+  EXPECT_FALSE(view_.locked);
+  EXPECT_FALSE(Saved(L"alice"));
+}
+
+TEST_F(LoginTest, SessionEndingWithMinus505IsSilentAndPermitsRenewal) {
+  EngineScenario s = Happy({111});
+  s.On(111).Info(-505);
+  install_.SetScenario(s);
+  foundation::CurrentSettings().renew_random_permitted = false;
+  EXPECT_FALSE(PressLogin());
+  EXPECT_TRUE(ui_.boxes().empty());
+  EXPECT_FALSE(Saved(L"alice"));
+  EXPECT_TRUE(foundation::CurrentSettings().renew_random_permitted);
+}
+
+struct StatusRow {
+  int status;
+  dialogs::KeyChoice answer;
+  std::vector<int> runs;
+  const wchar_t* enc_line;  // line 5 of the login request
+};
+
+TEST_F(LoginTest, EncryptionStatusChoosesTheDialog) {
+  const StatusRow rows[] = {
+      {900, {true, L"DEF"}, {110, 116, 111}, L"FGH"},
+      {900, {false, L""}, {110}, nullptr},
+      {902, {true, L"mykey"}, {110, 116, 111}, L"o{mg{"},
+      {902, {false, L""}, {110}, nullptr},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.status);
+    testing::ResetProfileStore();
+    fs::remove(install_.path() / "engine-journal.txt");
+    view_ = testing::FakeLoginView();
+    view_.user_name = L"alice";
+    view_.key_option_answers = {row.answer};
+    view_.psd_answers = {row.answer};
+    EngineScenario s = Happy({110});
+    s.On(110).Output(row.status);
+    install_.SetScenario(s);
+    LoginProcedure procedure(view_, L"alice");
+    EXPECT_EQ(procedure.OnLogin(), row.enc_line != nullptr);
+    EXPECT_EQ(Codes(), row.runs);
+    EXPECT_EQ(view_.key_option_shows, row.status == 900 ? 1 : 0);
+    EXPECT_EQ(view_.psd_shows, row.status == 902 ? 1 : 0);
+    EXPECT_TRUE(view_.closed || !view_.locked);  // a failed login leaves the dialog usable
+    if (row.enc_line) {
+      EXPECT_EQ(RequestLine(install_.Journal()[1].request, 5), row.enc_line);
+    }
+  }
+}
+
+TEST_F(LoginTest, MacAccountOffersTheSignUpPageAndTriesTheBrowserOnceMore) {
+  EngineScenario s = Happy({116});
+  s.On(116).Info(-50);
+  install_.SetScenario(s);
+  view_.browser_answers = {2, 2, 2};
+  EXPECT_FALSE(PressLogin());
+  ASSERT_EQ(ui_.boxes().size(), 1u);
+  EXPECT_EQ(ui_.boxes()[0].text.substr(0, 80),
+            L"This is a Mac account. The Mac and Windows accounts are not inter-operable.\r\nYou");
+  EXPECT_NE(ui_.boxes()[0].text.find(L"\r\nAlternately, visit https://www.tavrine.com/tavrine/jsp/tve_prosignup.jsp to sign up"),
+            std::wstring::npos);
+  EXPECT_EQ(view_.opened_pages.size(), 2u);
+  EXPECT_EQ(view_.opened_pages[0], foundation::kFixedSignupLink);
+
+  ui_ = testing::RecordingUi();
+  ui_.set_answer(2);  // Cancel
+  view_.opened_pages.clear();
+  EXPECT_FALSE(PressLogin());
+  EXPECT_TRUE(view_.opened_pages.empty());
+}
+
+TEST_F(LoginTest, AChangedUserNameTakesThatUsersRememberSetting) {
+  install_.SetScenario(Happy());
+  auto store = profile::ProfileStore::ForCurrentInstallation();
+  store.UpdateForUser(L"alice", L"remunamepwd", L"0");
+  store.UpdateForUser(L"alice", L"random", L"12345");
+  LoginProcedure procedure(view_, L"someone");
+  EXPECT_TRUE(procedure.OnLogin());
+  EXPECT_FALSE(view_.remember);
+  EXPECT_EQ(RequestLine(install_.Journal()[0].request, 6), L"12345");
+  EXPECT_NE(TraceText().find("User name changed"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace tavrine::dialogs
