@@ -145,9 +145,11 @@ void FillFromLine(std::wstring_view line, std::size_t name_begin, FindData& data
   }
 }
 
-void RemoteListing::Fill(std::uint32_t position, std::string_view query, FindData& data) const {
+void RemoteListing::Fill(std::uint32_t position, std::string_view query, bool at_start,
+                         FindData& data) const {
   std::string_view line = EntryBytes(static_cast<std::int32_t>(position));
-  std::size_t at = FoldedStartsWith(line, 0, query) ? 0 : FoldedFind(line, query);
+  // Index matches are known to start the line; others are searched.
+  std::size_t at = at_start || FoldedStartsWith(line, 0, query) ? 0 : FoldedFind(line, query);
   if (at == std::string_view::npos) at = 0;
   std::size_t name_begin = std::min(at + query.size(), line.size());
   std::size_t path_end = line.find('/', name_begin);
@@ -520,6 +522,7 @@ std::int32_t RemoteListing::FindNext(EnumCursor& cursor, FindData& data) const {
 
 std::int32_t RemoteListing::Advance(EnumCursor& cursor, FindData& data) const {
   std::uint32_t found = 0;
+  bool at_start = false;
   if (cursor.kind == EnumCursor::Kind::kScan) {
     while (cursor.next <= cursor.last) {
       std::uint32_t position = cursor.next++;
@@ -546,6 +549,7 @@ std::int32_t RemoteListing::Advance(EnumCursor& cursor, FindData& data) const {
           ++cursor.next;
         }
         found = sure;
+        at_start = true;  // every sure match begins with the folder path
         break;
       }
       ++cursor.check;
@@ -560,7 +564,7 @@ std::int32_t RemoteListing::Advance(EnumCursor& cursor, FindData& data) const {
     SetEmptyValues(data);
     return -1;
   }
-  Fill(found, cursor.query, data);
+  Fill(found, cursor.query, at_start, data);
   return static_cast<std::int32_t>(found);
 }
 

@@ -124,7 +124,7 @@ class RemoteListing {
   void CollectSubtree(std::uint32_t folder, std::vector<std::uint32_t>& out) const;
   std::int32_t Advance(EnumCursor& cursor, FindData& data) const;
   bool LineContains(std::uint32_t position, std::string_view query) const;
-  void Fill(std::uint32_t position, std::string_view query, FindData& data) const;
+  void Fill(std::uint32_t position, std::string_view query, bool at_start, FindData& data) const;
 
   clsTavrinETree root_;
   std::string text_;

@@ -1,0 +1,51 @@
+#pragma once
+#include <cstddef>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace tavrine::bench {
+
+// A synthetic Backupfile.txt in depth-first order: drives, nested folders
+// (depth 2..7), ~100 characters a line, about one name in twelve non-ASCII.
+struct GeneratedListing {
+  std::wstring text;                 // CRLF lines
+  std::vector<std::wstring> folders;  // every folder path, with a trailing backslash
+  std::size_t lines = 0;
+};
+
+inline GeneratedListing GenerateListing(std::size_t entries, unsigned seed = 7) {
+  static const wchar_t* kWords[] = {L"Documents", L"Projects", L"Photos", L"Invoices", L"Archive",
+                                    L"Reports", L"Backup", L"Music", L"Work", L"Private",
+                                    L"Übersicht", L"Фотографии", L"Café", L"Ωmega"};
+  std::mt19937 rng(seed);
+  std::uniform_int_distribution<int> word(0, 13), files(5, 25), subfolders(1, 5), digit(0, 9999);
+  GeneratedListing out;
+  out.text.reserve(entries * 104);
+  const wchar_t* drives[] = {L"C:\\", L"D:\\"};
+  // Depth-first folders until enough files exist.
+  std::vector<std::pair<std::wstring, int>> stack;
+  for (const wchar_t* drive : drives) stack.emplace_back(drive, 0);
+  while (out.lines < entries) {
+    if (stack.empty()) stack.emplace_back(L"C:\\Users\\more" + std::to_wstring(out.lines) + L"\\", 1);
+    auto [folder, depth] = stack.back();
+    stack.pop_back();
+    out.folders.push_back(folder);
+    const int count = files(rng);
+    for (int f = 0; f < count && out.lines < entries; ++f) {
+      std::wstring name = std::wstring(kWords[word(rng)]) + L"_" + std::to_wstring(digit(rng));
+      while (folder.size() + name.size() < 62) name += L"_part";
+      out.text += folder + name + L".docx/" + std::to_wstring(1 + digit(rng) % 9) + L"/" +
+                  std::to_wstring(digit(rng) * 1337) + L"/01-31-2011 13:05:09/U\r\n";
+      ++out.lines;
+    }
+    if (depth < 6) {
+      const int subs = depth < 2 ? 4 : subfolders(rng) - 1;
+      for (int s = 0; s < subs; ++s)
+        stack.emplace_back(folder + kWords[word(rng)] + std::to_wstring(s) + L"\\", depth + 1);
+    }
+  }
+  return out;
+}
+
+}  // namespace tavrine::bench
