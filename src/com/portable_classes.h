@@ -3,64 +3,36 @@
 // portable implementation yet, in one place. A wrapper of a listed method
 // returns its failure value and traces "<Method> : not available". Wiring a
 // method is deleting its line; wiring a class is also changing its alias.
+#include <array>
 #include <iterator>
 #include <string_view>
 #include <type_traits>
 
 #include "com/com_call.h"
+#include "browsing/tavrine_enum.h"
 #include "engine/cls_client.h"
+#include "operations/c_backup.h"
+#include "operations/c_restore.h"
 #include "operations/cls_api_interface.h"
 #include "operations/ui_commands.h"
 
 namespace tavrine::com {
 
 using UICommandsImpl = tavrine::operations::UICommands;
-using TavrinEenumImpl = NotAvailable;  // tavrine::browsing::TavrinEenum
 using clsAPI_InterfaceImpl = tavrine::operations::clsAPI_Interface;
 using clsClientImpl = tavrine::engine::clsClient;
-using CRestoreImpl = NotAvailable;  // tavrine::operations::CRestore
-using CBackupImpl = NotAvailable;   // tavrine::operations::CBackup
+using CRestoreImpl = tavrine::operations::CRestore;
+using CBackupImpl = tavrine::operations::CBackup;
 
-inline constexpr std::wstring_view kNotAvailableMethods[] = {
-    // UICommands
-    L"UI_Login_Command",
-    L"UI_Session_Command",
-    L"W_DeleteRemoteFiles",
-    L"W_Dummycall",
-    // TavrinEenum
-    L"TavrinEInit",
-    L"W_GetCurrentUser",
-    L"TavrinEFindFirstFile",
-    L"TavrinENextFile",
-    L"TavrinEExitInstance",
-    L"TavrinELocalRefresh",
-    L"GetFirstVersion",
-    L"GetNextVersion",
-    L"GetFileVersion",
-    L"GetMultiplePCInfo",
-    L"ReadMachineList",
-    L"IsItemExists",
-    // clsAPI_Interface
-    L"API_ENTRY_RESTORE",
-    L"API_GETVERSIONS",
-    L"API_DELETE_REMOTE_FILE",
-    L"API_FirewallSettings",
-    // CRestore
-    L"W_Restore",
-    L"W_GetVersions",
-    // CBackup
-    L"W_BackupInit",
-    L"DoBackupInit",
-    L"W_DoBackup",
-    L"W_BackupExitInstance",
-    L"DisableScheduleBackup",
-    L"ResetConfigurations",
-    L"StopScheduleBackup",
-    L"IsScheduleBackupRunning",
-    L"BackupInit",
-    L"IsBackupCancelled",
-    L"EnableScheduleBackup",
+// The wrapper finds the record types through the class.
+struct TavrinEenumImpl : tavrine::browsing::TavrinEenum {
+  using FindData = tavrine::browsing::FindData;
+  using FileVersions = tavrine::browsing::FileVersions;
 };
+
+// Every method has its portable implementation now; a method added to the
+// interface before its behaviour is built is listed here.
+inline constexpr std::array<std::wstring_view, 0> kNotAvailableMethods{};
 
 constexpr bool IsNotAvailable(std::wstring_view method) {
   for (std::wstring_view listed : kNotAvailableMethods)
