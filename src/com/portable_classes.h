@@ -23,12 +23,7 @@ using clsAPI_InterfaceImpl = tavrine::operations::clsAPI_Interface;
 using clsClientImpl = tavrine::engine::clsClient;
 using CRestoreImpl = tavrine::operations::CRestore;
 using CBackupImpl = tavrine::operations::CBackup;
-
-// The wrapper finds the record types through the class.
-struct TavrinEenumImpl : tavrine::browsing::TavrinEenum {
-  using FindData = tavrine::browsing::FindData;
-  using FileVersions = tavrine::browsing::FileVersions;
-};
+using TavrinEenumImpl = tavrine::browsing::TavrinEenum;
 
 // Every method has its portable implementation now; a method added to the
 // interface before its behaviour is built is listed here.
