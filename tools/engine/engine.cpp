@@ -10,6 +10,8 @@
 #include "engine_os.h"
 #include "journal.h"
 #include "scenario.h"
+#include "vault_service.h"
+#include "vault_text.h"
 
 namespace tavrine::refengine {
 
@@ -22,14 +24,6 @@ constexpr char kJournalName[] = "engine-journal.txt";
 // Files the library may have left in the exchange folder for the engine.
 constexpr const char* kRequestFiles[] = {"DLLInput.txt", "restdestdir.txt", "InputDelete.txt",
                                          "MPC.ini"};
-
-std::optional<std::string> ReadWholeFile(const fs::path& file) {
-  std::error_code ec;
-  if (!fs::is_regular_file(file, ec)) return std::nullopt;
-  std::ifstream in(file, std::ios::binary);
-  if (!in) return std::nullopt;
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
 
 // Never creates the exchange folder: an engine started on a missing folder
 // leaves nothing behind.
@@ -98,6 +92,14 @@ int RunEngine(const std::string& parameter_text) {
   const fs::path home = program.parent_path();
   std::error_code ec;
 
+  constexpr std::string_view kMakeSample = "--make-sample-vault ";
+  if (std::string_view(parameter_text).substr(0, kMakeSample.size()) == kMakeSample) {
+    std::string folder = parameter_text.substr(kMakeSample.size());
+    if (folder.size() >= 2 && folder.front() == '"' && folder.back() == '"')
+      folder = folder.substr(1, folder.size() - 2);
+    return MakeSampleVault(PathFromUtf8(folder));
+  }
+
   JournalRecord record;
   record.answer = "-";
   record.program = Utf8FromPath(program.filename());
@@ -119,7 +121,14 @@ int RunEngine(const std::string& parameter_text) {
   const Answer* answer = nullptr;
   std::vector<std::string> contents;
   ParseResult parsed;  // outlives the answer picked from it
-  if (std::optional<std::string> text = ReadWholeFile(home / kScenarioName)) {
+  std::optional<std::string> text = ReadWholeFile(home / kScenarioName);
+  std::optional<fs::path> vault = text ? std::nullopt : ConfiguredVault(home);
+  if (vault) {
+    record.note = "vault " + Utf8FromPath(*vault);
+    AppendJournal(home / kJournalName, FormatJournalLine(record));
+    return AnswerFromVault(*vault, home, invocation->code, folder);
+  }
+  if (text) {
     parsed = ParseScenario(*text);
     if (!parsed.error.empty()) {
       record.note = std::string(kScenarioName) + " " + parsed.error;
