@@ -1,0 +1,240 @@
+#include "dialogs/win32/dialog_base.h"
+
+#include <commctrl.h>
+#include <shellapi.h>
+
+#include "dialogs/win32/resource.h"
+#include "foundation/file_system.h"
+#include "foundation/trace_log.h"
+#include "platform/module_folder.h"
+
+namespace tavrine::dialogs::win32 {
+
+namespace {
+
+constexpr int kCornerEllipse = 10;
+constexpr COLORREF kLinkColor = RGB(0, 0, 204);
+
+// One activation context for the life of the process.
+HANDLE DialogsActivationContext() {
+  static HANDLE context = [] {
+    ACTCTXW request{};
+    request.cbSize = sizeof(request);
+    request.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
+    request.hModule = ResourceModule();
+    request.lpResourceName = MAKEINTRESOURCEW(IDR_DIALOGS_MANIFEST);
+    return CreateActCtxW(&request);
+  }();
+  return context;
+}
+
+UniqueBitmap LoadImageFile(const std::wstring& name) {
+  std::wstring file = foundation::JoinPath(foundation::JoinPath(platform::ModuleFolder(), L"images"),
+                                           name + L".bmp");
+  if (!foundation::FileExists(file)) return UniqueBitmap();
+  return UniqueBitmap(static_cast<HBITMAP>(
+      LoadImageW(nullptr, file.c_str(), IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE)));
+}
+
+}  // namespace
+
+HINSTANCE ResourceModule() {
+  HMODULE module = nullptr;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                     reinterpret_cast<LPCWSTR>(&ResourceModule), &module);
+  return module;
+}
+
+VisualStylesScope::VisualStylesScope() {
+  HANDLE context = DialogsActivationContext();
+  if (context != INVALID_HANDLE_VALUE) active_ = ActivateActCtx(context, &cookie_) != FALSE;
+  INITCOMMONCONTROLSEX init{sizeof(init), ICC_WIN95_CLASSES | ICC_STANDARD_CLASSES};
+  InitCommonControlsEx(&init);
+}
+
+VisualStylesScope::~VisualStylesScope() {
+  if (active_) DeactivateActCtx(0, cookie_);
+}
+
+// --- hover images ----------------------------------------------------------
+
+HoverButtons::~HoverButtons() {
+  for (auto& entry : entries_) {
+    if (IsWindow(entry->button)) RemoveWindowSubclass(entry->button, SubclassProc, 0);
+  }
+}
+
+void HoverButtons::Add(HWND button, const std::wstring& def_name, const std::wstring& sel_name) {
+  auto entry = std::make_unique<Entry>();
+  entry->button = button;
+  entry->def = LoadImageFile(def_name);
+  entry->sel = LoadImageFile(sel_name);
+  if (!entry->def || !entry->sel) {
+    // A missing image leaves the plain button with its caption.
+    entry->def.Reset();
+    entry->sel.Reset();
+  } else {
+    SetWindowLongPtrW(button, GWL_STYLE, GetWindowLongPtrW(button, GWL_STYLE) | BS_BITMAP);
+    SendMessageW(button, BM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(entry->def.get()));
+  }
+  SetWindowSubclass(button, SubclassProc, 0, reinterpret_cast<DWORD_PTR>(this));
+  entries_.push_back(std::move(entry));
+}
+
+HoverButtons::Entry* HoverButtons::Find(HWND button) {
+  for (auto& entry : entries_) {
+    if (entry->button == button) return entry.get();
+  }
+  return nullptr;
+}
+
+bool HoverButtons::HasImages(HWND button) const {
+  for (const auto& entry : entries_) {
+    if (entry->button == button) return static_cast<bool>(entry->def);
+  }
+  return false;
+}
+
+void HoverButtons::Hover(HWND button) {
+  for (auto& entry : entries_) {
+    if (!entry->def) continue;
+    HBITMAP image = entry->button == button ? entry->sel.get() : entry->def.get();
+    if (reinterpret_cast<HBITMAP>(SendMessageW(entry->button, BM_GETIMAGE, IMAGE_BITMAP, 0)) != image) {
+      SendMessageW(entry->button, BM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(image));
+    }
+  }
+}
+
+void HoverButtons::Leave(HWND button) {
+  if (Entry* entry = Find(button); entry && entry->def) {
+    SendMessageW(button, BM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(entry->def.get()));
+  }
+}
+
+LRESULT CALLBACK HoverButtons::SubclassProc(HWND button, UINT message, WPARAM wparam, LPARAM lparam,
+                                            UINT_PTR, DWORD_PTR data) {
+  auto* self = reinterpret_cast<HoverButtons*>(data);
+  if (message == WM_MOUSEMOVE) {
+    TRACKMOUSEEVENT track{sizeof(track), TME_LEAVE, button, 0};
+    TrackMouseEvent(&track);
+    self->Hover(button);
+  } else if (message == WM_MOUSELEAVE) {
+    self->Leave(button);
+  }
+  return DefSubclassProc(button, message, wparam, lparam);
+}
+
+// --- dialogs ---------------------------------------------------------------
+
+INT_PTR DialogBase::ShowModal(HWND owner) {
+  VisualStylesScope styles;
+  return DialogBoxParamW(ResourceModule(), MAKEINTRESOURCEW(template_id_), owner, Proc,
+                         reinterpret_cast<LPARAM>(this));
+}
+
+INT_PTR CALLBACK DialogBase::Proc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+  DialogBase* self = nullptr;
+  if (message == WM_INITDIALOG) {
+    self = reinterpret_cast<DialogBase*>(lparam);
+    SetWindowLongPtrW(window, DWLP_USER, reinterpret_cast<LONG_PTR>(self));
+    self->hwnd_ = window;
+  } else {
+    self = reinterpret_cast<DialogBase*>(GetWindowLongPtrW(window, DWLP_USER));
+  }
+  if (!self) return FALSE;
+  try {
+    return self->Handle(message, wparam, lparam);
+  } catch (...) {
+    // No exception may cross the window procedure.
+    foundation::TraceException(L"DialogProc", foundation::DescribeCurrentException());
+    return FALSE;
+  }
+}
+
+INT_PTR DialogBase::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
+  if (auto handled = OnMessage(message, wparam, lparam)) return *handled;
+  switch (message) {
+    case WM_INITDIALOG:
+    {
+      tips_.Create(hwnd_);
+      int focus = OnInit();
+      ApplyRoundedRegion();
+      if (focus == 0) return TRUE;
+      SetFocus(Item(focus));
+      return FALSE;
+    }
+    case WM_COMMAND:
+      OnCommand(LOWORD(wparam), HIWORD(wparam));
+      return TRUE;
+    case WM_CTLCOLORSTATIC: {
+      int id = GetDlgCtrlID(reinterpret_cast<HWND>(lparam));
+      for (int link : links_) {
+        if (link != id) continue;
+        HDC dc = reinterpret_cast<HDC>(wparam);
+        SetTextColor(dc, kLinkColor);
+        SetBkMode(dc, TRANSPARENT);
+        return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_3DFACE));
+      }
+      return FALSE;
+    }
+    case WM_SETCURSOR: {
+      int id = GetDlgCtrlID(reinterpret_cast<HWND>(wparam));
+      for (int link : links_) {
+        if (link != id) continue;
+        SetCursor(LoadCursorW(nullptr, IDC_HAND));
+        SetWindowLongPtrW(hwnd_, DWLP_MSGRESULT, TRUE);
+        return TRUE;
+      }
+      return FALSE;
+    }
+    default:
+      return FALSE;
+  }
+}
+
+void DialogBase::ApplyRoundedRegion() {
+  RECT bounds{};
+  GetWindowRect(hwnd_, &bounds);
+  UniqueRegion region(CreateRoundRectRgn(0, 0, bounds.right - bounds.left + 1,
+                                         bounds.bottom - bounds.top + 1, kCornerEllipse,
+                                         kCornerEllipse));
+  // The window owns the region once SetWindowRgn succeeds.
+  if (region && SetWindowRgn(hwnd_, region.get(), TRUE)) region.Release();
+}
+
+std::wstring DialogBase::Text(int id) const {
+  HWND item = Item(id);
+  int length = GetWindowTextLengthW(item);
+  std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
+  int copied = GetWindowTextW(item, text.data(), length + 1);
+  text.resize(static_cast<std::size_t>(copied > 0 ? copied : 0));
+  return text;
+}
+
+void DialogBase::SetText(int id, const std::wstring& text) { SetDlgItemTextW(hwnd_, id, text.c_str()); }
+
+bool DialogBase::Checked(int id) const { return IsDlgButtonChecked(hwnd_, id) == BST_CHECKED; }
+
+void DialogBase::SetChecked(int id, bool checked) {
+  CheckDlgButton(hwnd_, id, checked ? BST_CHECKED : BST_UNCHECKED);
+}
+
+void DialogBase::Focus(int id, bool select_all) {
+  SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(Item(id)), TRUE);
+  if (select_all) SendDlgItemMessageW(hwnd_, id, EM_SETSEL, 0, -1);
+}
+
+void DialogBase::Enable(int id, bool enabled) { EnableWindow(Item(id), enabled); }
+
+void DialogBase::OpenHelpTopic(const wchar_t* topic) {
+  OpenWithShell(L"hh.exe", foundation::JoinPath(platform::ModuleFolder(), topic));
+}
+
+std::intptr_t OpenWithShell(const std::wstring& target, const std::wstring& parameters) {
+  HINSTANCE result = ShellExecuteW(nullptr, L"open", target.c_str(),
+                                   parameters.empty() ? nullptr : parameters.c_str(), nullptr,
+                                   SW_SHOWNORMAL);
+  return reinterpret_cast<std::intptr_t>(result);
+}
+
+}  // namespace tavrine::dialogs::win32
