@@ -29,6 +29,10 @@ class ProcessLauncher {
 
 ProcessLauncher& SystemProcessLauncher();
 
+// Takes back ownership of a handle that Release() gave away (an engine whose
+// handle an operation returned), so that its caller can wait for it.
+std::unique_ptr<RunningProcess> AdoptProcess(std::intptr_t native_handle);
+
 // True when a process whose executable file name is `exe_name` (case-insensitive) runs.
 bool IsProcessRunning(const std::wstring& exe_name);
 

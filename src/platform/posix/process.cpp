@@ -137,6 +137,11 @@ bool NameMatches(const std::wstring& running, const std::wstring& wanted) {
 
 }  // namespace
 
+std::unique_ptr<RunningProcess> AdoptProcess(std::intptr_t native_handle) {
+  if (native_handle <= 0) return nullptr;
+  return std::make_unique<PosixProcess>(static_cast<pid_t>(native_handle));
+}
+
 ProcessLauncher& SystemProcessLauncher() {
   static PosixLauncher launcher;
   return launcher;

@@ -76,6 +76,11 @@ class Win32Launcher : public ProcessLauncher {
 
 }  // namespace
 
+std::unique_ptr<RunningProcess> AdoptProcess(std::intptr_t native_handle) {
+  if (native_handle == 0 || native_handle == -1) return nullptr;
+  return std::make_unique<Win32Process>(reinterpret_cast<HANDLE>(native_handle));
+}
+
 ProcessLauncher& SystemProcessLauncher() {
   static Win32Launcher launcher;
   return launcher;

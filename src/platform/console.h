@@ -1,0 +1,8 @@
+#pragma once
+
+namespace tavrine::platform {
+
+// Lets a console program write UTF-8 text (Windows consoles default to an OEM code page).
+void UseUtf8Console();
+
+}  // namespace tavrine::platform

@@ -1,0 +1,90 @@
+#include "cli_context.h"
+
+#include <iostream>
+
+#include "foundation/message_table.h"
+#include "foundation/settings.h"
+#include "format.h"
+#include "profile/profile_store.h"
+
+namespace tavrine::cli {
+
+Arguments::Arguments(std::vector<std::string> words, std::vector<std::string> value_options) {
+  auto takes_value = [&](const std::string& option) {
+    for (const auto& known : value_options)
+      if (known == option) return true;
+    return false;
+  };
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    const std::string& word = words[i];
+    if (word.rfind("--", 0) != 0 || word == "--") {
+      positional_.push_back(word);
+      continue;
+    }
+    std::string option = word.substr(2), value;
+    if (std::size_t equals = option.find('='); equals != std::string::npos) {
+      value = option.substr(equals + 1);
+      option.erase(equals);
+    } else if (takes_value(option)) {
+      if (i + 1 >= words.size()) {
+        error_ = "--" + option + " needs a value";
+        return;
+      }
+      value = words[++i];
+    }
+    options_[option] = value;
+  }
+}
+
+std::optional<std::string> Arguments::Value(const std::string& option) const {
+  auto it = options_.find(option);
+  if (it == options_.end()) return std::nullopt;
+  return it->second;
+}
+
+int ConsoleUi::ShowMessageBox(const std::wstring& text, const std::wstring& title, unsigned) {
+  EndProgress();
+  std::cerr << "[" << Utf8(title) << "] " << Utf8(text) << "\n";
+  return 1;
+}
+
+namespace {
+bool progress_shown = false;
+}
+
+void Progress(const std::string& text) {
+  std::cerr << "\r" << PadRight(text, 60) << std::flush;
+  progress_shown = true;
+}
+
+void EndProgress() {
+  if (!progress_shown) return;
+  std::cerr << "\r" << std::string(60, ' ') << "\r" << std::flush;
+  progress_shown = false;
+}
+
+int Fail(const std::string& what, long code) {
+  EndProgress();
+  std::cerr << "error: " << what;
+  if (auto text = foundation::MessageText(static_cast<int>(code))) {
+    std::cerr << ": " << Utf8(*text) << " (" << code << ")";
+  } else {
+    std::cerr << " (code " << code << ")";
+  }
+  std::cerr << "\n";
+  return kExitFailed;
+}
+
+bool RequireSession() {
+  if (!foundation::LoadConfigurations()) {
+    std::cerr << "error: no complete Configuration.ini beside the library\n";
+    return false;
+  }
+  if (profile::CurrentUserName().empty()) {
+    std::cerr << "error: nobody is logged in; run 'tavrine login USER' first\n";
+    return false;
+  }
+  return true;
+}
+
+}  // namespace tavrine::cli

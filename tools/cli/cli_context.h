@@ -1,0 +1,52 @@
+#pragma once
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/ui.h"
+
+namespace tavrine::cli {
+
+// Exit codes scripts can rely on.
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitUsage = 1;
+inline constexpr int kExitFailed = 2;
+inline constexpr int kExitNotReady = 3;  // no configuration, or nobody logged in
+
+// The words after the command: positional arguments and --options.
+class Arguments {
+ public:
+  Arguments(std::vector<std::string> words, std::vector<std::string> value_options);
+
+  const std::vector<std::string>& positional() const { return positional_; }
+  bool Has(const std::string& option) const { return options_.count(option) != 0; }
+  std::optional<std::string> Value(const std::string& option) const;
+  // An option the command does not know, or one that lacks its value.
+  const std::optional<std::string>& error() const { return error_; }
+
+ private:
+  std::vector<std::string> positional_;
+  std::map<std::string, std::string> options_;
+  std::optional<std::string> error_;
+};
+
+// Message boxes become lines on standard error; nobody is there to click.
+class ConsoleUi : public platform::Ui {
+ public:
+  int ShowMessageBox(const std::wstring& text, const std::wstring& title, unsigned style) override;
+  bool CloseWindowByTitle(const std::wstring&) override { return false; }
+  void PumpMessages() override {}
+};
+
+// Progress on standard error, overwritten by the next line.
+void Progress(const std::string& text);
+void EndProgress();
+
+// "error: <what>" and the message table's text for the code, when it has one.
+int Fail(const std::string& what, long code);
+
+// The configuration must load and somebody must be logged in.
+bool RequireSession();
+
+}  // namespace tavrine::cli
