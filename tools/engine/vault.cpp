@@ -221,7 +221,21 @@ bool IsSafeComputerName(const std::string& name) {
 
 fs::path NodePath(const fs::path& computer_root, const std::vector<std::string>& names) {
   fs::path path = computer_root;
-  for (const std::string& name : names) path /= PathFromUtf8(EncodeName(name));
+  for (const std::string& name : names) {
+    fs::path exact = path / PathFromUtf8(EncodeName(name));
+    std::error_code ec;
+    if (!fs::exists(exact, ec)) {
+      // Remote names match without regard to case, as on the service.
+      for (fs::directory_iterator it(path, ec), end; !ec && it != end; it.increment(ec)) {
+        std::optional<std::string> stored = DecodeName(Utf8FromPath(it->path().filename()));
+        if (stored && SameText(*stored, name)) {
+          exact = it->path();
+          break;
+        }
+      }
+    }
+    path = exact;
+  }
   return path;
 }
 

@@ -81,7 +81,8 @@ class Vault {
 // A name that can be a computer's folder name in the vault and in the user folder.
 bool IsSafeComputerName(const std::string& name);
 
-// The disk path of remote names below a computer root (each name encoded).
+// The disk path of remote names below a computer root: each name matched to a
+// stored one without regard to ASCII case, else encoded as it is.
 std::filesystem::path NodePath(const std::filesystem::path& computer_root,
                                const std::vector<std::string>& names);
 bool IsFileNode(const std::filesystem::path& node);

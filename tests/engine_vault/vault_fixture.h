@@ -1,0 +1,56 @@
+#pragma once
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "engine/cls_client.h"
+#include "support/engine_harness.h"
+
+namespace tavrine::testing {
+
+// What one engine run left in its exchange folder.
+struct VaultAnswer {
+  bool has_output = false;  // DLLOutput.txt was read (else DLLOutputInfo.txt or nothing)
+  long long code = 0;
+  std::string output1;  // DLLOutput1.txt bytes, "" when absent
+};
+
+// The reference engine in vault mode: an install folder with the sample vault
+// beside the engine (made by the engine itself), and a logged-in profile whose
+// requests the library's own writer produces.
+class VaultTest : public ::testing::Test {
+ protected:
+  VaultTest();
+  void SetUp() override;
+  void TearDown() override;
+
+  // The profile the library sends: user, password, encryption password.
+  void LogIn(const std::wstring& user, const std::wstring& password, const std::wstring& key = L"");
+  // A fresh exchange folder below the user folder's Temp.
+  std::filesystem::path Exchange(const std::string& name);
+  // Runs the engine with `code` on `folder` and waits for it to end.
+  void RunEngine(int code, const std::filesystem::path& folder);
+  // Writes the 12-line request carrying `random`, runs the engine, reads the result.
+  VaultAnswer Ask(int code, const std::filesystem::path& folder,
+                  const std::wstring& random = L"MACHINECODEREADONLY");
+  VaultAnswer Ask(int code) { return AskRandom(code, L"MACHINECODEREADONLY"); }
+  VaultAnswer AskRandom(int code, const std::wstring& random);
+  // The 13-line versions request for a remote file.
+  VaultAnswer AskVersions(const std::wstring& remote, const std::filesystem::path& folder);
+
+  // Appends "key = value" lines (later lines win) to a vault file.
+  void AppendToVaultFile(const std::filesystem::path& relative, const std::string& lines) const;
+  std::filesystem::path vault() const { return install_.path() / "vault"; }
+  std::filesystem::path UserFolder() const;
+
+  EngineInstall install_;
+  engine::clsClient client_;
+  int folders_ = 0;
+};
+
+std::string Read(const std::filesystem::path& file);  // "" when absent
+std::string Utf16(const std::wstring& text);           // UTF-16LE with BOM, no line ends added
+
+}  // namespace tavrine::testing
