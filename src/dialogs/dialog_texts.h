@@ -71,10 +71,8 @@ inline constexpr int kReset = 1552;
 inline constexpr int kProxyAddressTip = 1553;
 inline constexpr int kProxyUserTip = 1554;
 inline constexpr int kProxyPasswordTip = 1555;
-inline constexpr int kProxyIntroStart = 1556;
-inline constexpr int kProxyIntroEnd = 1557;
-inline constexpr int kProxyCredentialsStart = 1558;
-inline constexpr int kProxyCredentialsEnd = 1559;
+inline constexpr int kProxyIntro = 1556;
+inline constexpr int kProxyCredentials = 1558;
 // Session window.
 inline constexpr int kSessionTitle = 1570;
 inline constexpr int kSessionUser = 1571;

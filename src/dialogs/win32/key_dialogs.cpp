@@ -45,8 +45,8 @@ int EncKeyOptionDialog::OnInit() {
   }
   SetChecked(IDC_PrivateKey, true);
   tips_.AddTool(Item(IDC_DefaultKey),
-                LocalText(caption::kDefaultKeyTip, L"Let ") + settings.product_name +
-                    L" set the encryption key to encrypt and decrypt your files and folders");
+                LocalText(caption::kDefaultKeyTip,
+                          L"Let Tavrin set the encryption key to encrypt and decrypt your files and folders"));
   hover_.Add(Item(IDC_Enc_Option_Next), L"Medium Btn1", L"Medium Btn2");
   hover_.Add(Item(IDC_IDCancel), L"Small Btn1", L"Small Btn2");
   return IDC_txtEncPsd1;

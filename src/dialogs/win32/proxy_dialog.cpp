@@ -18,7 +18,6 @@ ProxyDialog::ProxyDialog()
 void ProxyDialog::Show(HWND owner) { ShowModal(owner); }
 
 int ProxyDialog::OnInit() {
-  const std::wstring& product = foundation::CurrentSettings().product_name;
   SetWindowTextW(hwnd(), LocalText(caption::kProxyTitle, L"Proxy Settings").c_str());
   struct {
     int control;
@@ -41,13 +40,13 @@ int ProxyDialog::OnInit() {
       {IDC_lblHelp, caption::kHelp, L"Help"},
   };
   for (const auto& c : captions) SetText(c.control, LocalText(c.id, c.english));
+  // "Tavrin" in these texts becomes the product name.
   SetText(IDC_lblProxyIntro,
-          LocalText(caption::kProxyIntroStart, L"Set the Proxy server for your computer to allow the ") +
-              product + LocalText(caption::kProxyIntroEnd, L" application to reach its server"));
+          LocalText(caption::kProxyIntro,
+                    L"Set the Proxy server for your computer to allow the Tavrin application to reach its server"));
   SetText(IDC_lblCredentials,
-          LocalText(caption::kProxyCredentialsStart,
-                    L"Enter the proxy server credentials to allow the ") +
-              product + LocalText(caption::kProxyCredentialsEnd, L" application to function smoothly"));
+          LocalText(caption::kProxyCredentials,
+                    L"Enter the proxy server credentials to allow the Tavrin application to function smoothly"));
   AddLink(IDC_lblHelp);
 
   auto value = [](const wchar_t* name) { return profile::GetUserProfile(name); };

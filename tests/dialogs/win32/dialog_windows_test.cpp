@@ -1,0 +1,372 @@
+// The real dialogs under Wine with a display: opened, filled and pressed with
+// window messages from a driver thread, message boxes read and dismissed, and
+// a PNG screenshot of each dialog in English and German.
+#include <windows.h>
+#include <commctrl.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <thread>
+
+#include "dialogs/win32/dialogs_win32.h"
+#include "dialogs/win32/resource.h"
+#include "foundation/settings.h"
+#include "operations/ui_commands.h"
+#include "png_writer.h"
+#include "profile/profile_store.h"
+#include "support/engine_harness.h"
+#include "support/install_folder.h"
+
+namespace tavrine::dialogs::win32 {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::EngineScenario;
+
+constexpr const wchar_t* kCaption = L"TavrinE Online Backup";
+
+std::string Configuration(const char* language) {
+  return std::string("[ProductInfo]\r\nProductNumber=7\r\nProductName=TavrinE\r\n"
+                     "ProductInstallationName=TavrinETest\r\nProductTreeViewName=TavrinE Backup\r\n"
+                     "Language=") + language +
+         "\r\nProductCaption=TavrinE Online Backup\r\nExeGroup=TavrinE\r\n"
+         "[ConnectionInfo]\r\nDomainName=localhost\r\nIPAddress1=127.0.0.1\r\nPort=443\r\n"
+         "EngineTimeoutSeconds=20\r\n"
+         "[WebLink]\r\nForgotPwdLink=https://www.tavrine.com/forgot\r\n";
+}
+
+testing::EngineInstallOptions Options(const char* language) {
+  testing::EngineInstallOptions options;
+  options.aliases = {L"TavrinEClsClient.exe"};
+  options.configuration_ini = Configuration(language);
+  return options;
+}
+
+std::wstring WindowText(HWND window) {
+  wchar_t text[1024] = {};
+  GetWindowTextW(window, text, 1024);
+  return text;
+}
+
+// Polls for a top-level window of this process with exactly this title.
+HWND WaitForWindow(const std::wstring& title, int timeout_ms = 15000) {
+  for (int waited = 0; waited < timeout_ms; waited += 50) {
+    if (HWND window = FindWindowW(L"#32770", title.c_str()); window && IsWindowVisible(window)) return window;
+    Sleep(50);
+  }
+  return nullptr;
+}
+
+// Reads the open message box's text and presses OK.
+std::wstring DismissBox(const std::wstring& title = kCaption) {
+  HWND box = WaitForWindow(title);
+  if (!box) return L"<no box>";
+  std::wstring text;
+  if (HWND label = GetDlgItem(box, 0xFFFF)) text = WindowText(label);
+  PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
+  for (int i = 0; i < 100 && IsWindow(box); ++i) Sleep(20);
+  return text;
+}
+
+void Type(HWND dialog, int id, const std::wstring& text) {
+  SendMessageW(GetDlgItem(dialog, id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+std::wstring Read(HWND dialog, int id) { return WindowText(GetDlgItem(dialog, id)); }
+// Posted, never sent: the click may open a modal box the driver must answer.
+void Click(HWND dialog, int id) { PostMessageW(GetDlgItem(dialog, id), BM_CLICK, 0, 0); }
+
+std::wstring ScreenshotFolder() {
+  std::wstring unix_path = TAVRINE_SCREENSHOT_DIR;
+  std::wstring path = L"Z:" + unix_path;
+  for (auto& c : path) {
+    if (c == L'/') c = L'\\';
+  }
+  CreateDirectoryW(path.c_str(), nullptr);
+  return path;
+}
+
+// The window as the screen shows it, written as PNG; false when it could not be read.
+bool Screenshot(HWND window, const std::wstring& name) {
+  RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+  Sleep(300);
+  RECT rect{};
+  GetWindowRect(window, &rect);
+  const int width = rect.right - rect.left, height = rect.bottom - rect.top;
+  if (width <= 0 || height <= 0) return false;
+  WindowDc screen(nullptr);
+  MemoryDc memory(screen.get());
+  BITMAPINFO info{};
+  info.bmiHeader = {sizeof(BITMAPINFOHEADER), width, -height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
+  void* bits = nullptr;
+  UniqueBitmap bitmap(CreateDIBSection(screen.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+  if (!bitmap) return false;
+  {
+    SelectScope select(memory.get(), bitmap.get());
+    BitBlt(memory.get(), 0, 0, width, height, screen.get(), rect.left, rect.top, SRCCOPY);
+  }
+  GdiFlush();
+  const int stride = (width * 3 + 3) & ~3;
+  std::vector<std::uint8_t> rgb(static_cast<std::size_t>(width) * height * 3);
+  for (int y = 0; y < height; ++y) {
+    const auto* row = static_cast<const std::uint8_t*>(bits) + static_cast<std::size_t>(y) * stride;
+    for (int x = 0; x < width; ++x) {
+      std::uint8_t* out = &rgb[(static_cast<std::size_t>(y) * width + x) * 3];
+      out[0] = row[x * 3 + 2];
+      out[1] = row[x * 3 + 1];
+      out[2] = row[x * 3 + 0];
+    }
+  }
+  return testing::WritePng(ScreenshotFolder() + L"\\" + name + L".png", width, height, rgb);
+}
+
+// Runs `drive` on its own thread while the dialog runs modally on this one.
+class Driver {
+ public:
+  explicit Driver(std::function<void()> drive) : thread_([this, drive] {
+          drive();
+          done_ = true;
+        }) {}
+  ~Driver() { thread_.join(); }
+  bool done() const { return done_; }
+
+ private:
+  std::atomic<bool> done_{false};
+  std::thread thread_;
+};
+
+void WriteBmp(const fs::path& file, COLORREF color) {
+  const int width = 40, height = 20;
+  BITMAPFILEHEADER header{};
+  BITMAPINFOHEADER info{sizeof(info), width, height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
+  const int stride = (width * 3 + 3) & ~3;
+  std::vector<std::uint8_t> pixels(static_cast<std::size_t>(stride) * height);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      std::uint8_t* p = &pixels[static_cast<std::size_t>(y) * stride + x * 3];
+      p[0] = GetBValue(color);
+      p[1] = GetGValue(color);
+      p[2] = GetRValue(color);
+    }
+  }
+  header.bfType = 0x4D42;
+  header.bfOffBits = sizeof(header) + sizeof(info);
+  header.bfSize = header.bfOffBits + static_cast<DWORD>(pixels.size());
+  std::ofstream out(file, std::ios::binary);
+  out.write(reinterpret_cast<const char*>(&header), sizeof(header));
+  out.write(reinterpret_cast<const char*>(&info), sizeof(info));
+  out.write(reinterpret_cast<const char*>(pixels.data()), static_cast<std::streamsize>(pixels.size()));
+}
+
+class DialogWindows : public ::testing::TestWithParam<const char*> {
+ protected:
+  DialogWindows() : install_(Options(GetParam())) {
+    fs::create_directories(install_.path() / "Lang");
+    for (const char* file : {"German.ini", "Spanish.ini"}) {
+      fs::copy_file(fs::path(TAVRINE_LANG_DIR) / file, install_.path() / "Lang" / file);
+    }
+    foundation::CurrentSettings() = foundation::Settings{};
+    testing::ResetProfileStore();
+    foundation::LoadConfigurations();
+  }
+  ~DialogWindows() override { testing::ResetProfileStore(); }
+  std::wstring Suffix() const { return std::string(GetParam()) == "German" ? L"_de" : L"_en"; }
+  bool German() const { return std::string(GetParam()) == "German"; }
+
+  testing::EngineInstall install_;
+};
+
+TEST_P(DialogWindows, LoginDialogChecksInputThenLogsIn) {
+  EngineScenario s;
+  s.On(110).Output(901);
+  s.On(116).Output(402);
+  s.On(111).Output(403);
+  install_.SetScenario(s);
+  LoginDialog dialog;
+  std::wstring password_box, label, title;
+  int tooltip_count = -1, region = ERROR;
+  bool shot = false, plain_buttons = false;
+  Driver driver([&] {
+    HWND window = WaitForWindow(std::wstring(kCaption) + L" - Login");
+    if (!window) return;
+    title = WindowText(window);
+    label = Read(window, IDC_lblUserName);
+    tooltip_count = dialog.tooltips().ToolTipCount();
+    plain_buttons = !dialog.hover_buttons().HasImages(GetDlgItem(window, IDC_Login));
+    HRGN probe = CreateRectRgn(0, 0, 0, 0);
+    region = GetWindowRgn(window, probe);
+    DeleteObject(probe);
+    Type(window, IDC_txtUserName, L"alice");
+    Type(window, IDC_txtPassword, L"");
+    Type(window, IDC_schipaddress, L"localhost");
+    shot = Screenshot(window, L"login" + Suffix());
+    Click(window, IDC_Login);
+    password_box = DismissBox();
+    Type(window, IDC_txtPassword, L"pw");
+    Click(window, IDC_Login);
+  });
+  EXPECT_EQ(dialog.Show(nullptr), 403);
+  EXPECT_TRUE(driver.done());
+  EXPECT_EQ(title, L"TavrinE Online Backup - Login");
+  EXPECT_EQ(label, German() ? L"Benutzername oder E-Mail-Adresse:" : L"Username or Email Address:");
+  EXPECT_EQ(password_box, German() ? L"Geben Sie Ihr Kennwort ein." : L"Enter your password.");
+  EXPECT_EQ(tooltip_count, 2);
+  EXPECT_NE(region, ERROR);
+  EXPECT_TRUE(plain_buttons);
+  EXPECT_TRUE(shot);
+  EXPECT_EQ(profile::CurrentUserName(), L"alice");
+}
+
+TEST_P(DialogWindows, EncKeyOptionRefusesAShortKeyThenTakesTheDefault) {
+  EncKeyOptionDialog dialog;
+  std::wstring box, cleared = L"?";
+  bool shot = false;
+  Driver driver([&] {
+    HWND window = WaitForWindow(German() ? L"Verschlüsselungsschlüssel" : L"Encryption key");
+    if (!window) return;
+    shot = Screenshot(window, L"enckeyoption" + Suffix());
+    Type(window, IDC_txtEncPsd1, L"abc");
+    Type(window, IDC_txtEncPsd2, L"abc");
+    Click(window, IDC_Enc_Option_Next);
+    box = DismissBox();
+    cleared = Read(window, IDC_txtEncPsd1);
+    Click(window, IDC_DefaultKey);
+    Sleep(100);
+    Click(window, IDC_Enc_Option_Next);
+  });
+  KeyChoice choice = dialog.Show(nullptr);
+  EXPECT_TRUE(driver.done());
+  EXPECT_EQ(box, German() ? L"Das Verschlüsselungskennwort muss mindestens 4 Zeichen enthalten."
+                          : L"The encryption password must contain at least 4 characters.");
+  EXPECT_EQ(cleared, L"");
+  EXPECT_TRUE(choice.accepted);
+  EXPECT_EQ(choice.key, L"DEF");
+  EXPECT_TRUE(shot);
+}
+
+TEST_P(DialogWindows, EncryptionPsdHandsBackTheTrimmedPassword) {
+  EncryptionPsdDialog dialog;
+  bool shot = false;
+  Driver driver([&] {
+    HWND window = WaitForWindow(German() ? L"Verschlüsselungsschlüssel" : L"Encryption key");
+    if (!window) return;
+    Type(window, IDC_txtEncPsd, L"  my key ");
+    shot = Screenshot(window, L"encryptionpsd" + Suffix());
+    PostMessageW(window, WM_KEYDOWN, VK_RETURN, 0);  // Enter: the default button
+    PostMessageW(GetDlgItem(window, IDC_txtEncPsd), WM_KEYDOWN, VK_RETURN, 0);
+  });
+  KeyChoice choice = dialog.Show(nullptr);
+  EXPECT_TRUE(driver.done());
+  EXPECT_TRUE(choice.accepted);
+  EXPECT_EQ(choice.key, L"my key");
+  EXPECT_TRUE(shot);
+}
+
+TEST_P(DialogWindows, ProxyPortTakesDigitsOnlyAndAnEmptyAddressIsRefused) {
+  ProxyDialog dialog;
+  std::wstring port, box;
+  bool shot = false;
+  Driver driver([&] {
+    HWND window = WaitForWindow(German() ? L"Proxy-Einstellungen" : L"Proxy Settings");
+    if (!window) return;
+    HWND port_field = GetDlgItem(window, IDC_ProxyPort);
+    for (wchar_t key : std::wstring(L"8a0-8x0")) SendMessageW(port_field, WM_CHAR, key, 0);
+    port = WindowText(port_field);
+    SendMessageW(GetDlgItem(window, IDC_Proxyenabled), BM_SETCHECK, BST_CHECKED, 0);
+    shot = Screenshot(window, L"proxy" + Suffix());
+    Click(window, IDC_Ok);
+    box = DismissBox();
+    Click(window, IDC_Cancel);
+  });
+  dialog.Show(nullptr);
+  EXPECT_TRUE(driver.done());
+  EXPECT_EQ(port, L"8080");
+  EXPECT_EQ(box, German() ? L"Geben Sie die Proxy-Adresse ein." : L"Enter the proxy address.");
+  EXPECT_TRUE(shot);
+}
+
+TEST_P(DialogWindows, SessionWindowShowsUserServerAndQuota) {
+  profile::SetCurrentUserName(L"alice");
+  profile::UpdateUserProfile(L"username", L"alice");
+  profile::UpdateUserProfile(L"serverip", L"127.0.0.1");
+  EngineScenario s;
+  s.On(114).Output(0).WithFile("Quota.txt", "1073741824\r\n2147483648\r\n");
+  install_.SetScenario(s);
+  std::wstring user, server, quota;
+  bool shot = false;
+  Driver driver([&] {
+    HWND window = WaitForWindow(std::wstring(kCaption) + (German() ? L" - Sitzung" : L" - Session"));
+    if (!window) return;
+    user = Read(window, IDC_txtSessionUser);
+    server = Read(window, IDC_txtSessionServer);
+    quota = Read(window, IDC_txtSessionQuota);
+    shot = Screenshot(window, L"session" + Suffix());
+    Click(window, IDC_Cancel);
+  });
+  std::int32_t owner = 0;
+  EXPECT_EQ(operations::UICommands().UI_Session_Command(owner), 1);
+  EXPECT_TRUE(driver.done());
+  EXPECT_EQ(user, L"alice");
+  EXPECT_EQ(server, L"127.0.0.1");
+  EXPECT_EQ(quota, L"1.00 GB / 2.00 GB");
+  EXPECT_TRUE(shot);
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, DialogWindows, ::testing::Values("English", "German"));
+
+class LoginCommand : public ::testing::Test {
+ protected:
+  LoginCommand() : install_(Options("English")) {
+    foundation::CurrentSettings() = foundation::Settings{};
+    testing::ResetProfileStore();
+  }
+  ~LoginCommand() override { testing::ResetProfileStore(); }
+  testing::EngineInstall install_;
+};
+
+TEST_F(LoginCommand, ClosingTheLoginWindowByItsTitleCancelsTheLogin) {
+  Driver driver([&] {
+    if (!WaitForWindow(L"TavrinE Online Backup - Login")) return;
+    // What a second UI_Login_Command does first.
+    platform::SystemUi().CloseWindowByTitle(L"TavrinE Online Backup - Login");
+  });
+  std::int32_t owner = 0;
+  EXPECT_EQ(operations::UICommands().UI_Login_Command(owner), -32766);
+  EXPECT_TRUE(driver.done());
+}
+
+TEST_F(LoginCommand, HoverImagesFollowTheMouse) {
+  fs::create_directories(install_.path() / "images");
+  WriteBmp(install_.path() / "images" / "Connect Def.bmp", RGB(0, 0, 200));
+  WriteBmp(install_.path() / "images" / "Connect Sel.bmp", RGB(0, 200, 0));
+  WriteBmp(install_.path() / "images" / "Close Def.bmp", RGB(200, 0, 0));  // no "Sel": plain
+  LoginDialog dialog;
+  HANDLE before = nullptr, over = nullptr, after = nullptr;
+  bool login_images = false, close_images = true;
+  Driver driver([&] {
+    HWND window = WaitForWindow(L"TavrinE Online Backup - Login");
+    if (!window) return;
+    HWND login = GetDlgItem(window, IDC_Login);
+    login_images = dialog.hover_buttons().HasImages(login);
+    close_images = dialog.hover_buttons().HasImages(GetDlgItem(window, IDC_Cancel));
+    before = reinterpret_cast<HANDLE>(SendMessageW(login, BM_GETIMAGE, IMAGE_BITMAP, 0));
+    SendMessageW(login, WM_MOUSEMOVE, 0, MAKELPARAM(2, 2));
+    over = reinterpret_cast<HANDLE>(SendMessageW(login, BM_GETIMAGE, IMAGE_BITMAP, 0));
+    SendMessageW(GetDlgItem(window, IDC_advanced), WM_MOUSEMOVE, 0, MAKELPARAM(2, 2));
+    after = reinterpret_cast<HANDLE>(SendMessageW(login, BM_GETIMAGE, IMAGE_BITMAP, 0));
+    Click(window, IDC_Cancel);
+  });
+  dialog.Show(nullptr);
+  EXPECT_TRUE(driver.done());
+  EXPECT_TRUE(login_images);
+  EXPECT_FALSE(close_images);
+  EXPECT_NE(before, nullptr);
+  EXPECT_NE(over, before);
+  EXPECT_EQ(after, before);
+}
+
+}  // namespace
+}  // namespace tavrine::dialogs::win32
