@@ -64,10 +64,16 @@ bool WriteProfileValues(const std::filesystem::path&, const std::string& install
                         const std::string& user,
                         const std::vector<std::pair<std::string, std::string>>& values) {
   const std::wstring key = PathFromUtf8("Software\\Brennick\\" + installation + "\\" + user).native();
-  HKEY handle = nullptr;
-  if (RegCreateKeyExW(HKEY_CURRENT_USER, key.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &handle,
-                      nullptr) != ERROR_SUCCESS)
+  struct Key {
+    HKEY handle = nullptr;
+    ~Key() {
+      if (handle) RegCloseKey(handle);
+    }
+  } opened;
+  if (RegCreateKeyExW(HKEY_CURRENT_USER, key.c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr,
+                      &opened.handle, nullptr) != ERROR_SUCCESS)
     return false;
+  HKEY handle = opened.handle;
   bool ok = true;
   for (const auto& [name, data] : values) {
     const std::wstring wide_name = PathFromUtf8(name).native();
@@ -77,7 +83,6 @@ bool WriteProfileValues(const std::filesystem::path&, const std::string& install
                         static_cast<DWORD>((wide_data.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS &&
          ok;
   }
-  RegCloseKey(handle);
   return ok;
 }
 
