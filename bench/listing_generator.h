@@ -7,18 +7,30 @@
 namespace tavrine::bench {
 
 // A synthetic Backupfile.txt in depth-first order: drives, nested folders
-// (depth 2..7), ~100 characters a line, about one name in twelve non-ASCII.
+// (depth 2..7), ~100 characters a line, about one name in twelve non-ASCII,
+// dates spread over years so that no date text repeats often.
 struct GeneratedListing {
   std::wstring text;                 // CRLF lines
   std::vector<std::wstring> folders;  // every folder path, with a trailing backslash
   std::size_t lines = 0;
 };
 
+// "MM-DD-YYYY HH:MM:SS" between 2000 and 2024 (days 1..28, valid in every month).
+inline std::wstring RandomDate(std::mt19937& rng) {
+  auto two = [](unsigned v) { return std::wstring(v < 10 ? L"0" : L"") + std::to_wstring(v); };
+  const unsigned day = rng(), time = rng();
+  return two(1 + day % 12) + L"-" + two(1 + day / 12 % 28) + L"-" +
+         std::to_wstring(2000 + day / 336 % 25) + L" " + two(time % 24) + L":" + two(time / 24 % 60) +
+         L":" + two(time / 1440 % 60);
+}
+
 inline GeneratedListing GenerateListing(std::size_t entries, unsigned seed = 7) {
   static const wchar_t* kWords[] = {L"Documents", L"Projects", L"Photos", L"Invoices", L"Archive",
                                     L"Reports", L"Backup", L"Music", L"Work", L"Private",
                                     L"Übersicht", L"Фотографии", L"Café", L"Ωmega"};
   std::mt19937 rng(seed);
+  // Separate stream for dates, so the tree is the same whatever the dates.
+  std::mt19937 date_rng(seed + 1);
   std::uniform_int_distribution<int> word(0, 13), files(5, 25), subfolders(1, 5), digit(0, 9999);
   GeneratedListing out;
   out.text.reserve(entries * 104);
@@ -36,7 +48,7 @@ inline GeneratedListing GenerateListing(std::size_t entries, unsigned seed = 7) 
       std::wstring name = std::wstring(kWords[word(rng)]) + L"_" + std::to_wstring(digit(rng));
       while (folder.size() + name.size() < 62) name += L"_part";
       out.text += folder + name + L".docx/" + std::to_wstring(1 + digit(rng) % 9) + L"/" +
-                  std::to_wstring(digit(rng) * 1337) + L"/01-31-2011 13:05:09/U\r\n";
+                  std::to_wstring(digit(rng) * 1337) + L"/" + RandomDate(date_rng) + L"/U\r\n";
       ++out.lines;
     }
     if (depth < 6) {
