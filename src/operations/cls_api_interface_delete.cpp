@@ -57,7 +57,7 @@ std::wstring ConnectionFailureText() {
 // The shell side's progress window. The UI seam can only close a window by
 // its title; closing stands in for hiding until the seam can hide one.
 void HideDeletingWindow() {
-  platform::CurrentUi().CloseWindowByTitle(CurrentSettings().product_name + L" - Deleting");
+  platform::CurrentUi().HideWindowByTitle(CurrentSettings().product_name + L" - Deleting");
 }
 
 // The one box a finished delete shows; gives the method's result.

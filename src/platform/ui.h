@@ -21,6 +21,8 @@ class Ui {
                              unsigned style) = 0;
   // Sends WM_CLOSE to the top-level window with exactly this title; false when none.
   virtual bool CloseWindowByTitle(const std::wstring& title) = 0;
+  // Hides the top-level window with exactly this title; false when none.
+  virtual bool HideWindowByTitle(const std::wstring& title) = 0;
   // Lets pending window messages of this thread run.
   virtual void PumpMessages() = 0;
 };

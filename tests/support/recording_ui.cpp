@@ -18,4 +18,12 @@ bool RecordingUi::CloseWindowByTitle(const std::wstring& title) {
   return true;
 }
 
+bool RecordingUi::HideWindowByTitle(const std::wstring& title) {
+  if (std::find(open_windows_.begin(), open_windows_.end(), title) == open_windows_.end()) {
+    return false;
+  }
+  hidden_windows_.push_back(title);
+  return true;
+}
+
 }  // namespace tavrine::testing

@@ -18,12 +18,14 @@ class RecordingUi : public platform::Ui {
   int ShowMessageBox(const std::wstring& text, const std::wstring& title,
                      unsigned style) override;
   bool CloseWindowByTitle(const std::wstring& title) override;
+  bool HideWindowByTitle(const std::wstring& title) override;
   void PumpMessages() override { ++pumps_; }
 
   void set_answer(int answer) { answer_ = answer; }
   void set_open_windows(std::vector<std::wstring> titles) { open_windows_ = std::move(titles); }
   const std::vector<RecordedBox>& boxes() const { return boxes_; }
   const std::vector<std::wstring>& closed_windows() const { return closed_windows_; }
+  const std::vector<std::wstring>& hidden_windows() const { return hidden_windows_; }
   int pumps() const { return pumps_; }
 
  private:
@@ -32,6 +34,7 @@ class RecordingUi : public platform::Ui {
   std::vector<RecordedBox> boxes_;
   std::vector<std::wstring> open_windows_;
   std::vector<std::wstring> closed_windows_;
+  std::vector<std::wstring> hidden_windows_;
 };
 
 }  // namespace tavrine::testing

@@ -36,6 +36,7 @@ class ConsoleUi : public platform::Ui {
  public:
   int ShowMessageBox(const std::wstring& text, const std::wstring& title, unsigned style) override;
   bool CloseWindowByTitle(const std::wstring&) override { return false; }
+  bool HideWindowByTitle(const std::wstring&) override { return false; }
   void PumpMessages() override {}
 };
 

@@ -19,6 +19,7 @@ class PosixUi : public Ui {
   }
 
   bool CloseWindowByTitle(const std::wstring&) override { return false; }
+  bool HideWindowByTitle(const std::wstring&) override { return false; }
 
   void PumpMessages() override {}
 

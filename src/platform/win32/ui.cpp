@@ -21,6 +21,13 @@ class Win32Ui : public Ui {
     return true;
   }
 
+  bool HideWindowByTitle(const std::wstring& title) override {
+    HWND window = FindWindowW(nullptr, title.c_str());
+    if (!window) return false;
+    ShowWindow(window, SW_HIDE);
+    return true;
+  }
+
   void PumpMessages() override {
     MSG message{};
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
