@@ -4,6 +4,7 @@
 
 #include "foundation/message_table.h"
 #include "foundation/settings.h"
+#include "platform/console.h"
 #include "format.h"
 #include "profile/profile_store.h"
 
@@ -53,6 +54,7 @@ bool progress_shown = false;
 }
 
 void Progress(const std::string& text) {
+  if (!platform::StderrIsTerminal()) return;
   std::cerr << "\r" << PadRight(text, 60) << std::flush;
   progress_shown = true;
 }

@@ -42,8 +42,7 @@ void PrintTree(browsing::TavrinEenum& browser, const std::wstring& folder,
     if (entry.is_folder) {
       std::cout << "\\\n";
       ++folders;
-      PrintTree(browser, folder + entry.name + L"\\", indent + (last ? "    " : "|   "), files,
-                folders);
+      PrintTree(browser, entry.folder_path, indent + (last ? "    " : "|   "), files, folders);
     } else {
       std::cout << "  (" << HumanSize(static_cast<double>(entry.data.nFileSize)) << ", "
                 << entry.data.nVersion << " version" << (entry.data.nVersion == 1 ? "" : "s")

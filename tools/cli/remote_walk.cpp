@@ -31,14 +31,20 @@ std::vector<RemoteEntry> ListFolder(browsing::TavrinEenum& browser, const std::w
   for (std::int32_t at = browser.TavrinEFindFirstFile(folder, data); at != -1;
        at = browser.TavrinENextFile(data)) {
     std::wstring name = data.cFilename;
-    while (!name.empty() && name.front() == L'\\') name.erase(0, 1);
-    if (name.empty()) continue;
+    // A POSIX path backed up as "\tmp\..." leaves an empty name between separators.
+    std::size_t leading = name.find_first_not_of(L'\\');
+    if (leading == std::wstring::npos) continue;
+    std::wstring prefix = name.substr(0, leading);
+    name.erase(0, leading);
     std::size_t separator = name.find(L'\\');
     bool deeper = separator != std::wstring::npos && separator + 1 < name.size();
     std::wstring own_name = deeper || separator != std::wstring::npos ? name.substr(0, separator) : name;
     RemoteEntry& entry = children[foundation::ToLower(own_name)];
     entry.name = own_name;
-    if (deeper || separator != std::wstring::npos) entry.is_folder = true;
+    if (deeper || separator != std::wstring::npos) {
+      entry.is_folder = true;
+      entry.folder_path = folder + prefix + own_name + L"\\";
+    }
     if (!deeper) {
       entry.data = data;
       entry.has_line = true;

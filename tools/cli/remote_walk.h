@@ -10,6 +10,7 @@ namespace tavrine::cli {
 struct RemoteEntry {
   std::wstring name;
   bool is_folder = false;
+  std::wstring folder_path;  // for a folder: the path to list it by, as the listing spells it
   browsing::FindData data;  // the entry's own line; a folder known only through its children has none
   bool has_line = false;
 };
