@@ -7,6 +7,9 @@
 #include <cwctype>
 
 #include "engine_vault/vault_fixture.h"
+#include "operations/cls_api_interface.h"
+#include "support/fake_clock.h"
+#include "support/recording_ui.h"
 #include "foundation/text_file.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
@@ -375,6 +378,26 @@ TEST_F(VaultUpload, CrashMidUploadLeavesThePreviousVersionReadable) {
   AppendToVaultFile("vault.txt", "crash-during-upload = 0\n");
   EXPECT_EQ(Upload("version two").code, 402);
   EXPECT_EQ(RestoredBytes(), "version two");
+}
+
+// The library's own operations against the vault, end to end.
+TEST_F(Vault, LibraryLogsInSilentlyAndReadsTheQuota) {
+  FakeClock clock;
+  RecordingUi ui;
+  platform::Services replacement;
+  replacement.clock = &clock;
+  replacement.ui = &ui;
+  platform::ScopedServices seams(replacement);
+  LogIn(L"ben", L"ben-pass");
+  profile::UpdateUserProfile(L"serverip", L"10.9.9.9");
+  operations::clsAPI_Interface api;
+  EXPECT_EQ(api.API_AutoReconnect(), 402);
+  EXPECT_EQ(profile::GetUserProfile(L"serverip"), L"127.0.0.1");
+  double max_size = 0, used = 0;
+  EXPECT_EQ(api.API_GetQuota(max_size, used), 0);
+  EXPECT_EQ(max_size, 12884901888.0);
+  EXPECT_EQ(used, 379.0);
+  EXPECT_TRUE(ui.boxes().empty());
 }
 
 TEST_F(Vault, RunsAreJournaledAndAScenarioTakesPrecedence) {

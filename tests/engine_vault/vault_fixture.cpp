@@ -22,10 +22,13 @@ constexpr std::uint32_t kRunLimitMs = 30000;
 EngineInstallOptions Options() {
   EngineInstallOptions options;
   options.folder_name = L"install dir";
+  options.aliases = {L"TavrinEClsClient.exe"};  // the name the quota operation starts
   options.configuration_ini =
       "[ProductInfo]\r\nProductNumber=7\r\nProductName=TavrinE\r\n"
-      "ProductInstallationName=TavrinETest\r\nProductCaption=TavrinE Online Backup\r\n"
-      "ExeGroup=TavrinE\r\n[ConnectionInfo]\r\nDomainName=localhost\r\nPort=443\r\n";
+      "ProductInstallationName=TavrinETest\r\nProductTreeViewName=TavrinE Backup\r\n"
+      "Language=English\r\nProductCaption=TavrinE Online Backup\r\nExeGroup=TavrinE\r\n"
+      "[ConnectionInfo]\r\nDomainName=localhost\r\nIPAddress1=127.0.0.1\r\nPort=443\r\n"
+      "EngineTimeoutSeconds=20\r\n";
   return options;
 }
 
