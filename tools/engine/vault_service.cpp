@@ -305,6 +305,16 @@ class Service {
 
   std::optional<Target> TargetOf(const std::string& path) {
     std::optional<std::vector<std::string>> names = SplitRemotePath(path);
+    // "HOMEPC\\tmp\a.txt": a computer, then a path whose top has no name (a
+    // POSIX path backed up from that computer).
+    const std::size_t first = path.find_first_of("\\/");
+    if (names && first != std::string::npos && first + 1 < path.size() &&
+        (path[first + 1] == '\\' || path[first + 1] == '/')) {
+      if (auto rest = SplitRemotePath(path.substr(first + 1))) {
+        rest->insert(rest->begin(), path.substr(0, first));
+        names = std::move(rest);
+      }
+    }
     std::optional<std::string> computer = RequestComputer(false);
     if (!names || !computer) return std::nullopt;
     return ResolveTarget(*account_, std::move(*names), MpcHost(answer_.folder()), *computer);
