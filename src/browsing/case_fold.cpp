@@ -87,17 +87,65 @@ void AppendWide(std::wstring& out, char32_t c) {
   out.push_back(static_cast<wchar_t>(c));
 }
 
-void AssignWide(std::wstring& out, std::string_view bytes) {
-  out.clear();
+namespace {
+
+// Length of the leading run of code units below 0x80. Listing text is mostly
+// ASCII, so runs are copied in bulk; blocks of eight keep the test cheap.
+template <class Unit>
+std::size_t AsciiRun(const Unit* units, std::size_t size) {
   std::size_t i = 0;
+  for (; i + 8 <= size; i += 8) {
+    unsigned any_high = 0;
+    for (std::size_t k = 0; k < 8; ++k) any_high |= static_cast<unsigned>(units[i + k]) >= 0x80;
+    if (any_high) break;
+  }
+  while (i < size && static_cast<unsigned>(units[i]) < 0x80) ++i;
+  return i;
+}
+
+}  // namespace
+
+void AssignWide(std::wstring& out, std::string_view bytes) {
+  // No byte sequence decodes to more units than it has bytes, so one resize
+  // (within the capacity the caller's string already has) is enough.
+  out.resize(bytes.size());
+  const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
+  wchar_t* dst = out.data();
+  std::size_t i = 0, n = 0;
   while (i < bytes.size()) {
-    unsigned char b = static_cast<unsigned char>(bytes[i]);
-    if (b < 0x80) {
-      out.push_back(static_cast<wchar_t>(b));
-      ++i;
+    const std::size_t run = AsciiRun(in + i, bytes.size() - i);
+    for (std::size_t k = 0; k < run; ++k) dst[n + k] = static_cast<wchar_t>(in[i + k]);
+    i += run;
+    n += run;
+    if (i == bytes.size()) break;
+    char32_t c = DecodeUtf8(bytes, i);
+    if (sizeof(wchar_t) == 2 && c >= 0x10000) {
+      c -= 0x10000;
+      dst[n++] = static_cast<wchar_t>(0xD800 + (c >> 10));
+      dst[n++] = static_cast<wchar_t>(0xDC00 + (c & 0x3FF));
     } else {
-      AppendWide(out, DecodeUtf8(bytes, i));
+      dst[n++] = static_cast<wchar_t>(c);
     }
+  }
+  out.resize(n);
+}
+
+void AppendUtf8(std::string& out, std::u16string_view units) {
+  std::size_t i = 0;
+  while (i < units.size()) {
+    const std::size_t run = AsciiRun(units.data() + i, units.size() - i);
+    const std::size_t old = out.size();
+    out.resize(old + run);
+    char* dst = out.data() + old;
+    for (std::size_t k = 0; k < run; ++k) dst[k] = static_cast<char>(units[i + k]);
+    i += run;
+    if (i == units.size()) break;
+    char32_t c = units[i++];
+    if (c >= 0xD800 && c < 0xDC00 && i < units.size() && units[i] >= 0xDC00 && units[i] < 0xE000) {
+      c = 0x10000 + ((c - 0xD800) << 10) + (units[i] - 0xDC00);
+      ++i;
+    }
+    AppendUtf8(out, c);
   }
 }
 

@@ -33,17 +33,48 @@ std::int64_t DaysSince1601(std::int64_t y, std::int64_t m, std::int64_t d) {
   return from_1970 + 134774;
 }
 
+// The shape the engine writes, "MM-DD-YYYY HH:MM:SS", read without searching.
+// Any other text goes the general way, which gives the same parts for this shape.
 template <class Char>
-DateFailure Convert(std::basic_string_view<Char> text, FileTime& out) {
+bool SplitFixedShape(std::basic_string_view<Char> text, std::int64_t (&parts)[6]) {
+  static constexpr char kShape[] = "00-00-0000 00:00:00";
+  if (text.size() != sizeof(kShape) - 1) return false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool digit = text[i] >= '0' && text[i] <= '9';
+    if (kShape[i] == '0' ? !digit : text[i] != static_cast<Char>(kShape[i])) return false;
+  }
+  auto number = [&](std::size_t at, std::size_t size) {
+    std::int64_t value = 0;
+    for (std::size_t i = at; i < at + size; ++i) value = value * 10 + (text[i] - '0');
+    return value;
+  };
+  parts[0] = number(0, 2);
+  parts[1] = number(3, 2);
+  parts[2] = number(6, 4);
+  parts[3] = number(11, 2);
+  parts[4] = number(14, 2);
+  parts[5] = number(17, 2);
+  return true;
+}
+
+template <class Char>
+DateFailure SplitGeneral(std::basic_string_view<Char> text, std::int64_t (&parts)[6]) {
   constexpr Char kSeparators[] = {'-', '-', ' ', ':', ':'};
-  std::int64_t parts[6] = {};
   for (int k = 0; k < 5; ++k) {
     std::size_t at = text.find(kSeparators[k]);
     if (at == text.npos) return DateFailure::kOverflow;
     if (DateFailure f = ParsePart(text.substr(0, at), parts[k]); f != DateFailure::kNone) return f;
     text.remove_prefix(at + 1);
   }
-  if (DateFailure f = ParsePart(text, parts[5]); f != DateFailure::kNone) return f;
+  return ParsePart(text, parts[5]);
+}
+
+template <class Char>
+DateFailure Convert(std::basic_string_view<Char> text, FileTime& out) {
+  std::int64_t parts[6] = {};
+  if (!SplitFixedShape(text, parts)) {
+    if (DateFailure f = SplitGeneral(text, parts); f != DateFailure::kNone) return f;
+  }
   const std::int64_t month = parts[0], day = parts[1], year = parts[2];
   const std::int64_t hour = parts[3], minute = parts[4], second = parts[5];
   static constexpr int kMonthDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};

@@ -89,14 +89,16 @@ struct Fields {
   std::size_t count = 0;
 };
 
+// first_slash: where the path field ends (npos when the line has no "/").
 template <class Char>
-Fields<Char> SplitFields(std::basic_string_view<Char> line) {
+Fields<Char> SplitFields(std::basic_string_view<Char> line, std::size_t first_slash) {
   Fields<Char> fields;
-  std::size_t begin = 0;
-  std::basic_string_view<Char> field;
-  while (true) {
-    std::size_t end = line.find(Char('/'), begin);
-    field = line.substr(begin, end == line.npos ? line.npos : end - begin);
+  fields.count = 1;
+  fields.mode = line.substr(0, first_slash);
+  for (std::size_t end = first_slash; end != line.npos;) {
+    const std::size_t begin = end + 1;
+    end = line.find(Char('/'), begin);
+    const std::basic_string_view<Char> field = line.substr(begin, end == line.npos ? line.npos : end - begin);
     switch (fields.count) {
       case 1: fields.version = field; break;
       case 2: fields.size = field; break;
@@ -104,10 +106,8 @@ Fields<Char> SplitFields(std::basic_string_view<Char> line) {
       default: break;
     }
     ++fields.count;
-    if (end == line.npos) break;
-    begin = end + 1;
+    fields.mode = field;
   }
-  fields.mode = field;
   return fields;
 }
 
@@ -136,7 +136,7 @@ void FillFromLine(std::wstring_view line, std::size_t name_begin, FindData& data
   if (path_end == line.npos) path_end = line.size();
   data.cFilename.assign(line.substr(std::min(name_begin, line.size()),
                                     path_end - std::min(name_begin, path_end)));
-  Fields<wchar_t> fields = SplitFields(line);
+  Fields<wchar_t> fields = SplitFields(line, line.find(L'/'));
   FillNumbersAndDate(fields, data);
   if (fields.count >= 5 && !IsOrdinaryMode(fields.mode)) {
     data.strUnimode.assign(fields.mode);
@@ -151,11 +151,14 @@ void RemoteListing::Fill(std::uint32_t position, std::string_view query, bool at
   // Index matches are known to start the line; others are searched.
   std::size_t at = at_start || FoldedStartsWith(line, 0, query) ? 0 : FoldedFind(line, query);
   if (at == std::string_view::npos) at = 0;
-  std::size_t name_begin = std::min(at + query.size(), line.size());
-  std::size_t path_end = line.find('/', name_begin);
+  const std::size_t name_begin = std::min(at + query.size(), line.size());
+  // The first "/" ends the path, and the name with it, unless the folder path
+  // itself holds a "/"; one search then serves both.
+  const std::size_t first_slash = line.find('/');
+  std::size_t path_end = first_slash >= name_begin ? first_slash : line.find('/', name_begin);
   if (path_end == line.npos) path_end = line.size();
   AssignWide(data.cFilename, line.substr(name_begin, path_end - name_begin));
-  Fields<char> fields = SplitFields(line);
+  Fields<char> fields = SplitFields(line, first_slash);
   FillNumbersAndDate(fields, data);
   if (fields.count >= 5 && !IsOrdinaryMode(fields.mode)) {
     AssignWide(data.strUnimode, fields.mode);
@@ -163,6 +166,102 @@ void RemoteListing::Fill(std::uint32_t position, std::string_view query, bool at
     data.strUnimode.clear();
   }
 }
+
+// ---- reading a listing file ----------------------------------------------------
+
+namespace {
+
+// Index of the first unit at or after `at` that ends a line (CR or LF), or the
+// size. Both are below 14, so blocks of eight are ruled out with one compare
+// per unit.
+std::size_t FindLineEnd(std::u16string_view text, std::size_t at) {
+  const char16_t* units = text.data();
+  std::size_t i = at;
+  for (; i + 8 <= text.size(); i += 8) {
+    unsigned low = 0;
+    for (std::size_t k = 0; k < 8; ++k) low |= units[i + k] <= u'\r';
+    if (low) break;
+  }
+  for (; i < text.size(); ++i) {
+    if (units[i] == u'\r' || units[i] == u'\n') return i;
+  }
+  return text.size();
+}
+
+// The lines of a UTF-16LE stream, read piece by piece so that a large listing
+// is never held twice. CR, LF or CRLF end a line; a leading BOM is skipped; an
+// odd last byte is ignored.
+class Utf16Lines {
+ public:
+  explicit Utf16Lines(std::istream& in) : in_(in) {}
+  // The next line, valid until the next call; false after the last.
+  bool Next(std::u16string_view& line);
+
+ private:
+  void Refill();
+
+  static constexpr std::size_t kChunkUnits = std::size_t{1} << 16;  // stays in the L2 cache
+  std::istream& in_;
+  std::u16string buffer_;
+  std::size_t at_ = 0;
+  bool started_ = false;
+  bool at_end_ = false;
+};
+
+void Utf16Lines::Refill() {
+  buffer_.erase(0, at_);  // keep the unfinished line
+  at_ = 0;
+  const std::size_t kept = buffer_.size();
+  buffer_.resize(kept + kChunkUnits);
+  in_.read(reinterpret_cast<char*>(buffer_.data() + kept),
+           static_cast<std::streamsize>(kChunkUnits * 2));
+  const std::size_t got = static_cast<std::size_t>(in_.gcount()) / 2;
+  buffer_.resize(kept + got);
+  at_end_ = got < kChunkUnits;  // a read stops short only at the end
+  if constexpr (std::endian::native == std::endian::big) {
+    for (std::size_t i = kept; i < buffer_.size(); ++i)
+      buffer_[i] = static_cast<char16_t>((buffer_[i] >> 8) | (buffer_[i] << 8));
+  }
+  if (!started_) {
+    started_ = true;
+    if (!buffer_.empty() && buffer_[0] == 0xFEFF) at_ = 1;
+  }
+}
+
+bool Utf16Lines::Next(std::u16string_view& line) {
+  if (!started_) Refill();
+  while (true) {
+    const std::size_t end = FindLineEnd(buffer_, at_);
+    // A CR last in the buffer may be the first half of a CRLF.
+    const bool open = end == buffer_.size() || (buffer_[end] == u'\r' && end + 1 == buffer_.size());
+    if (open && !at_end_) {
+      Refill();
+      continue;
+    }
+    if (at_ >= buffer_.size()) return false;
+    line = std::u16string_view(buffer_).substr(at_, end - at_);
+    std::size_t next = end + 1;
+    if (next < buffer_.size() && buffer_[end] == u'\r' && buffer_[next] == u'\n') ++next;
+    at_ = std::min(next, buffer_.size());
+    return true;
+  }
+}
+
+// Case-folds UTF-8 bytes (folding keeps the byte length).
+void FoldBytes(std::string_view bytes, std::string& out) {
+  out.clear();
+  for (std::size_t i = 0; i < bytes.size();) {
+    unsigned char b = static_cast<unsigned char>(bytes[i]);
+    if (b < 0x80) {
+      out.push_back(static_cast<char>(FoldCase(b)));
+      ++i;
+    } else {
+      AppendUtf8(out, FoldCase(DecodeUtf8(bytes, i)));
+    }
+  }
+}
+
+}  // namespace
 
 // ---- loading -----------------------------------------------------------------
 
@@ -173,7 +272,12 @@ RemoteListing::RemoteListing() {
 
 void RemoteListing::BeginFile(const std::wstring& machine) {
   machine_ = machine;
-  if (!machine.empty()) machine_mode_ = true;
+  machine_utf8_.clear();
+  if (!machine.empty()) {
+    machine_mode_ = true;
+    ForEachCodePoint(machine, [&](char32_t c) { AppendUtf8(machine_utf8_, c); });
+    machine_utf8_.push_back('\\');
+  }
   first_line_of_file_ = true;
   marked_form_ = false;
   file_ended_ = false;
@@ -203,61 +307,49 @@ bool RemoteListing::AddLine(std::u16string_view line) {
     rewritten.append(line.substr(line.size() - 2));
     line = rewritten;
   }
-
-  bool new_node = current_node_ == nullptr;
-  if (!machine_.empty()) {
-    if (!new_node && previous_name_ != machine_) new_node = true;
-    if (new_node) previous_name_ = machine_;
-  } else {
-    std::size_t slash = line.find(u'\\');
-    if (slash != line.npos) {
-      std::u16string_view head = line.substr(0, slash + 1);
-      if (head != previous_head_) {
-        previous_head_.assign(head);
-        std::wstring wide;
-        for (char16_t c : head) wide.push_back(static_cast<wchar_t>(c));
-        std::wstring name = UpperCaseText(wide);
-        if (name != previous_name_) {
-          previous_name_ = std::move(name);
-          new_node = true;
-        }
-      }
-    }
-  }
-  if (new_node) {
+  if (StartsNewNode(line)) {
     current_node_ = root_.AppendChild(machine_.empty() ? previous_name_ : machine_);
     current_node_->first_entry_ = count() + 1;
     runs_.push_back(Run{current_node_, {}, false, {}});
+    run_by_name_.emplace(FoldedUtf8(current_node_->name_), runs_.size() - 1);
   }
   AppendEntry(line);
   if (overflowed_) return false;
   current_node_->last_entry_ = count();
+  IndexLine(static_cast<std::uint32_t>(count()));
   return true;
 }
 
+bool RemoteListing::StartsNewNode(std::u16string_view line) {
+  bool new_node = current_node_ == nullptr;
+  if (!machine_.empty()) {
+    if (!new_node && previous_name_ != machine_) new_node = true;
+    if (new_node) previous_name_ = machine_;
+    return new_node;
+  }
+  std::size_t slash = line.find(u'\\');
+  if (slash == line.npos) return new_node;
+  std::u16string_view head = line.substr(0, slash + 1);
+  if (head == previous_head_) return new_node;
+  previous_head_.assign(head);
+  std::wstring wide;
+  for (char16_t c : head) wide.push_back(static_cast<wchar_t>(c));
+  std::wstring name = UpperCaseText(wide);
+  if (name != previous_name_) {
+    previous_name_ = std::move(name);
+    new_node = true;
+  }
+  return new_node;
+}
+
 void RemoteListing::AppendEntry(std::u16string_view line) {
-  if (text_.size() + (line.size() + machine_.size() + 1) * 3 > kTextLimit) {
+  if (text_.size() + machine_utf8_.size() + line.size() * 3 > kTextLimit) {
     overflowed_ = true;
     foundation::Trace(L"InitTree : listing too large, the rest is ignored");
     return;
   }
-  if (!machine_.empty()) {
-    ForEachCodePoint(machine_, [&](char32_t c) { AppendUtf8(text_, c); });
-    text_.push_back('\\');
-  }
-  for (std::size_t i = 0; i < line.size(); ++i) {
-    char32_t c = line[i];
-    if (c < 0x80) {
-      text_.push_back(static_cast<char>(c));
-      continue;
-    }
-    if (c >= 0xD800 && c < 0xDC00 && i + 1 < line.size() && line[i + 1] >= 0xDC00 &&
-        line[i + 1] < 0xE000) {
-      c = 0x10000 + ((c - 0xD800) << 10) + (line[i + 1] - 0xDC00);
-      ++i;
-    }
-    AppendUtf8(text_, c);
-  }
+  text_.append(machine_utf8_);
+  AppendUtf8(text_, line);
   offsets_.push_back(static_cast<std::uint32_t>(text_.size()));
 }
 
@@ -268,23 +360,13 @@ bool RemoteListing::AddFile(const std::wstring& path, const std::wstring& machin
   std::streamoff size = in.tellg();
   if (size < 0) return false;
   in.seekg(0, std::ios::beg);
-  std::u16string units(static_cast<std::size_t>(size) / 2, u'\0');
-  in.read(reinterpret_cast<char*>(units.data()), static_cast<std::streamsize>(units.size() * 2));
-  units.resize(static_cast<std::size_t>(in.gcount()) / 2);
-  if constexpr (std::endian::native == std::endian::big) {
-    for (char16_t& c : units) c = static_cast<char16_t>((c >> 8) | (c << 8));
-  }
-  text_.reserve(text_.size() + units.size() + units.size() / 8 + 64);
+  // About one byte a unit: listing text is mostly ASCII.
+  const std::size_t units = static_cast<std::size_t>(size) / 2;
+  text_.reserve(text_.size() + units + units / 8 + 64);
   BeginFile(machine);
-  std::u16string_view all(units);
-  std::size_t at = 0;
-  if (!all.empty() && all[0] == 0xFEFF) at = 1;
-  while (at < all.size()) {
-    std::size_t end = all.find_first_of(u"\r\n", at);
-    if (end == all.npos) end = all.size();
-    if (!AddLine(all.substr(at, end - at))) break;
-    if (end < all.size() && all[end] == u'\r' && end + 1 < all.size() && all[end + 1] == u'\n') ++end;
-    at = end + 1;
+  Utf16Lines lines(in);
+  std::u16string_view line;
+  while (lines.Next(line) && AddLine(line)) {
   }
   return true;
 }
@@ -300,23 +382,7 @@ std::wstring RemoteListing::Entry(std::int32_t position) const {
   return out;
 }
 
-namespace {
-
-// Case-folds UTF-8 bytes (folding keeps the byte length).
-void FoldBytes(std::string_view bytes, std::string& out) {
-  out.clear();
-  for (std::size_t i = 0; i < bytes.size();) {
-    unsigned char b = static_cast<unsigned char>(bytes[i]);
-    if (b < 0x80) {
-      out.push_back(static_cast<char>(FoldCase(b)));
-      ++i;
-    } else {
-      AppendUtf8(out, FoldCase(DecodeUtf8(bytes, i)));
-    }
-  }
-}
-
-}  // namespace
+// ---- the index ---------------------------------------------------------------
 
 std::uint32_t RemoteListing::InternFolded(const std::string& folded) {
   auto found = folder_ids_.find(folded);
@@ -339,68 +405,71 @@ std::uint32_t RemoteListing::InternFolded(const std::string& folded) {
   return id;
 }
 
-void RemoteListing::Finish() {
-  const std::uint32_t n = static_cast<std::uint32_t>(count());
-  std::vector<std::uint32_t> line_folder(n + 1, kNone);
-  std::string folded;
-  std::string_view previous_prefix;
-  std::uint32_t previous_folder = kNone;
-  for (std::size_t r = 0; r < runs_.size(); ++r) {
-    Run& run = runs_[r];
-    const auto first = static_cast<std::uint32_t>(run.node->first_entry_);
-    const auto last = static_cast<std::uint32_t>(run.node->last_entry_);
-    std::string_view head_line = EntryBytes(static_cast<std::int32_t>(first));
-    std::size_t head_end = head_line.find('\\');
+// Done while the line just stored is still in the cache, so that the load
+// reads the text once.
+void RemoteListing::IndexLine(std::uint32_t position) {
+  Run& run = runs_.back();
+  const std::string_view line = EntryBytes(static_cast<std::int32_t>(position));
+  if (position == static_cast<std::uint32_t>(run.node->first_entry_)) {
+    const std::size_t head_end = line.find('\\');
     if (head_end != std::string_view::npos) {
-      FoldBytes(head_line.substr(0, head_end + 1), run.key);
+      FoldBytes(line.substr(0, head_end + 1), run.key);
       run.has_key = true;
     }
-    const std::size_t key_size = run.key.size();
-    for (std::uint32_t i = first; i <= last; ++i) {
-      std::string_view line = EntryBytes(static_cast<std::int32_t>(i));
-      bool check = !run.has_key || !FoldedStartsWith(line, 0, run.key);
-      if (!check) {
-        // The key seen again later in the line: a match could start there.
-        for (std::size_t j = line.find('\\', key_size); j != std::string_view::npos;
-             j = line.find('\\', j + 1)) {
-          if (FoldedStartsWith(line, j + 1 - key_size, run.key)) {
-            check = true;
-            break;
-          }
-        }
-      }
-      if (check) run.check.push_back(i);
-      std::size_t path_end = line.find('/');
-      if (path_end == std::string_view::npos) path_end = line.size();
-      std::size_t folder_end = path_end == 0 ? std::string_view::npos : line.rfind('\\', path_end - 1);
-      if (folder_end == std::string_view::npos) continue;
-      std::string_view prefix = line.substr(0, folder_end + 1);
-      if (prefix != previous_prefix) {
-        FoldBytes(prefix, folded);
-        previous_folder = InternFolded(folded);
-        previous_prefix = prefix;
-      }
-      line_folder[i] = previous_folder;
-    }
-    run_by_name_.emplace(FoldedUtf8(run.node->name_), r);
   }
+  if (NeedsCheck(run, line)) run.check.push_back(position);
+  line_folder_.push_back(FolderOf(position));
+}
+
+bool RemoteListing::NeedsCheck(const Run& run, std::string_view line) {
+  if (!run.has_key || !FoldedStartsWith(line, 0, run.key)) return true;
+  // The key seen again later in the line: a match could start there.
+  const std::size_t key_size = run.key.size();
+  for (std::size_t j = line.find('\\', key_size); j != std::string_view::npos;
+       j = line.find('\\', j + 1)) {
+    if (FoldedStartsWith(line, j + 1 - key_size, run.key)) return true;
+  }
+  return false;
+}
+
+std::uint32_t RemoteListing::FolderOf(std::uint32_t position) {
+  const std::string_view line = EntryBytes(static_cast<std::int32_t>(position));
+  std::size_t path_end = line.find('/');
+  if (path_end == std::string_view::npos) path_end = line.size();
+  const std::size_t folder_end = path_end == 0 ? std::string_view::npos : line.rfind('\\', path_end - 1);
+  if (folder_end == std::string_view::npos) return kNone;
+  const std::string_view prefix = line.substr(0, folder_end + 1);
+  // Lines of one folder come together: fold and look up only on a change.
+  if (prefix != std::string_view(text_).substr(previous_prefix_begin_, previous_prefix_size_)) {
+    FoldBytes(prefix, folded_scratch_);
+    previous_folder_ = InternFolded(folded_scratch_);
+    previous_prefix_begin_ = offsets_[position - 1];
+    previous_prefix_size_ = static_cast<std::uint32_t>(prefix.size());
+  }
+  return previous_folder_;
+}
+
+void RemoteListing::Finish() {
+  if (finished_) return;
+  const std::uint32_t n = static_cast<std::uint32_t>(count());
   // Direct lines of each folder, in file order.
   std::vector<std::uint32_t> counts(folders_.size() + 1, 0);
-  for (std::uint32_t i = 1; i <= n; ++i)
-    if (line_folder[i] != kNone) ++counts[line_folder[i] + 1];
+  for (std::uint32_t folder : line_folder_)
+    if (folder != kNone) ++counts[folder + 1];
   for (std::size_t f = 0; f < folders_.size(); ++f) {
     counts[f + 1] += counts[f];
     folders_[f].direct_begin = folders_[f].direct_end = counts[f];
   }
   direct_positions_.assign(counts.back(), 0);
   for (std::uint32_t i = 1; i <= n; ++i) {
-    if (line_folder[i] == kNone) continue;
-    Folder& folder = folders_[line_folder[i]];
+    if (line_folder_[i - 1] == kNone) continue;
+    Folder& folder = folders_[line_folder_[i - 1]];
     direct_positions_[folder.direct_end++] = i;
     folder.min = std::min(folder.min, i);
     folder.max = std::max(folder.max, i);
     ++folder.count;
   }
+  std::vector<std::uint32_t>().swap(line_folder_);  // only loading needs it
   // Parents come before their children, so one backward pass sums subtrees.
   for (std::size_t f = folders_.size(); f-- > 0;) {
     const Folder& folder = folders_[f];

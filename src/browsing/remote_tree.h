@@ -118,7 +118,11 @@ class RemoteListing {
   };
   static constexpr std::uint32_t kNone = UINT32_MAX;
 
+  bool StartsNewNode(std::u16string_view line);
   void AppendEntry(std::u16string_view line);
+  void IndexLine(std::uint32_t position);
+  static bool NeedsCheck(const Run& run, std::string_view line);
+  std::uint32_t FolderOf(std::uint32_t position);
   std::uint32_t InternFolded(const std::string& folded);
   void PlanIndexed(const Run& run, EnumCursor& cursor) const;
   void CollectSubtree(std::uint32_t folder, std::vector<std::uint32_t>& out) const;
@@ -131,6 +135,7 @@ class RemoteListing {
   std::vector<std::uint32_t> offsets_;  // offsets_[k] = start of entry k; one extra at the end
   // Loading state.
   std::wstring machine_;
+  std::string machine_utf8_;  // the machine name and a backslash, put before each line
   bool machine_mode_ = false;
   bool first_line_of_file_ = true;
   bool marked_form_ = false;
@@ -140,6 +145,11 @@ class RemoteListing {
   std::wstring previous_name_;
   clsTavrinETree* current_node_ = nullptr;
   std::vector<Run> runs_;
+  std::vector<std::uint32_t> line_folder_;  // [position - 1]: the line's folder, until Finish
+  std::uint32_t previous_prefix_begin_ = 0;  // the last folder prefix seen, in text_
+  std::uint32_t previous_prefix_size_ = 0;
+  std::uint32_t previous_folder_ = kNone;
+  std::string folded_scratch_;
   // Index.
   std::unordered_map<std::string, std::size_t> run_by_name_;
   std::unordered_map<std::string, std::uint32_t> folder_ids_;
