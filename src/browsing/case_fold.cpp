@@ -1,5 +1,8 @@
 #include "browsing/case_fold.h"
 
+#include <cstdint>
+#include <cstring>
+
 namespace tavrine::browsing {
 
 namespace {
@@ -89,17 +92,30 @@ void AppendWide(std::wstring& out, char32_t c) {
 
 namespace {
 
-// Length of the leading run of code units below 0x80. Listing text is mostly
-// ASCII, so runs are copied in bulk; blocks of eight keep the test cheap.
-template <class Unit>
-std::size_t AsciiRun(const Unit* units, std::size_t size) {
+// Listing text is mostly ASCII. These copy the leading run of code units below
+// 0x80 from `in` to `out`, testing eight units with one or two word masks, and
+// return its length.
+std::size_t CopyAsciiRun(const unsigned char* in, std::size_t size, wchar_t* out) {
   std::size_t i = 0;
   for (; i + 8 <= size; i += 8) {
-    unsigned any_high = 0;
-    for (std::size_t k = 0; k < 8; ++k) any_high |= static_cast<unsigned>(units[i + k]) >= 0x80;
-    if (any_high) break;
+    std::uint64_t word;
+    std::memcpy(&word, in + i, 8);
+    if (word & 0x8080808080808080ULL) break;
+    for (std::size_t k = 0; k < 8; ++k) out[i + k] = static_cast<wchar_t>(in[i + k]);
   }
-  while (i < size && static_cast<unsigned>(units[i]) < 0x80) ++i;
+  for (; i < size && in[i] < 0x80; ++i) out[i] = static_cast<wchar_t>(in[i]);
+  return i;
+}
+
+std::size_t CopyAsciiRun(const char16_t* in, std::size_t size, char* out) {
+  std::size_t i = 0;
+  for (; i + 8 <= size; i += 8) {
+    std::uint64_t words[2];
+    std::memcpy(words, in + i, 16);
+    if ((words[0] | words[1]) & 0xFF80FF80FF80FF80ULL) break;  // the mask is the same in every lane
+    for (std::size_t k = 0; k < 8; ++k) out[i + k] = static_cast<char>(in[i + k]);
+  }
+  for (; i < size && in[i] < 0x80; ++i) out[i] = static_cast<char>(in[i]);
   return i;
 }
 
@@ -113,11 +129,16 @@ void AssignWide(std::wstring& out, std::string_view bytes) {
   wchar_t* dst = out.data();
   std::size_t i = 0, n = 0;
   while (i < bytes.size()) {
-    const std::size_t run = AsciiRun(in + i, bytes.size() - i);
-    for (std::size_t k = 0; k < run; ++k) dst[n + k] = static_cast<wchar_t>(in[i + k]);
+    const std::size_t run = CopyAsciiRun(in + i, bytes.size() - i, dst + n);
     i += run;
     n += run;
     if (i == bytes.size()) break;
+    // Two-byte forms (Latin, Greek, Cyrillic names) are the usual others.
+    if (in[i] >= 0xC0 && in[i] < 0xE0 && i + 1 < bytes.size() && (in[i + 1] & 0xC0) == 0x80) {
+      dst[n++] = static_cast<wchar_t>(((in[i] & 0x1F) << 6) | (in[i + 1] & 0x3F));
+      i += 2;
+      continue;
+    }
     char32_t c = DecodeUtf8(bytes, i);
     if (sizeof(wchar_t) == 2 && c >= 0x10000) {
       c -= 0x10000;
@@ -133,11 +154,10 @@ void AssignWide(std::wstring& out, std::string_view bytes) {
 void AppendUtf8(std::string& out, std::u16string_view units) {
   std::size_t i = 0;
   while (i < units.size()) {
-    const std::size_t run = AsciiRun(units.data() + i, units.size() - i);
     const std::size_t old = out.size();
+    out.resize(old + units.size() - i);  // room for an all-ASCII rest
+    const std::size_t run = CopyAsciiRun(units.data() + i, units.size() - i, out.data() + old);
     out.resize(old + run);
-    char* dst = out.data() + old;
-    for (std::size_t k = 0; k < run; ++k) dst[k] = static_cast<char>(units[i + k]);
     i += run;
     if (i == units.size()) break;
     char32_t c = units[i++];

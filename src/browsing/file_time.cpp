@@ -33,28 +33,27 @@ std::int64_t DaysSince1601(std::int64_t y, std::int64_t m, std::int64_t d) {
   return from_1970 + 134774;
 }
 
+template <class Char>
+bool DigitsAt(std::basic_string_view<Char> text, std::size_t at, std::size_t size, std::int64_t& value) {
+  value = 0;
+  for (std::size_t i = at; i < at + size; ++i) {
+    const auto digit = static_cast<std::uint32_t>(text[i]) - '0';
+    if (digit > 9) return false;
+    value = value * 10 + digit;
+  }
+  return true;
+}
+
 // The shape the engine writes, "MM-DD-YYYY HH:MM:SS", read without searching.
 // Any other text goes the general way, which gives the same parts for this shape.
 template <class Char>
 bool SplitFixedShape(std::basic_string_view<Char> text, std::int64_t (&parts)[6]) {
-  static constexpr char kShape[] = "00-00-0000 00:00:00";
-  if (text.size() != sizeof(kShape) - 1) return false;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool digit = text[i] >= '0' && text[i] <= '9';
-    if (kShape[i] == '0' ? !digit : text[i] != static_cast<Char>(kShape[i])) return false;
-  }
-  auto number = [&](std::size_t at, std::size_t size) {
-    std::int64_t value = 0;
-    for (std::size_t i = at; i < at + size; ++i) value = value * 10 + (text[i] - '0');
-    return value;
-  };
-  parts[0] = number(0, 2);
-  parts[1] = number(3, 2);
-  parts[2] = number(6, 4);
-  parts[3] = number(11, 2);
-  parts[4] = number(14, 2);
-  parts[5] = number(17, 2);
-  return true;
+  if (text.size() != 19 || text[2] != '-' || text[5] != '-' || text[10] != ' ' || text[13] != ':' ||
+      text[16] != ':')
+    return false;
+  return DigitsAt(text, 0, 2, parts[0]) && DigitsAt(text, 3, 2, parts[1]) &&
+         DigitsAt(text, 6, 4, parts[2]) && DigitsAt(text, 11, 2, parts[3]) &&
+         DigitsAt(text, 14, 2, parts[4]) && DigitsAt(text, 17, 2, parts[5]);
 }
 
 template <class Char>

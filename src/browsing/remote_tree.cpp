@@ -90,15 +90,16 @@ struct Fields {
 };
 
 // first_slash: where the path field ends (npos when the line has no "/").
+// One pass over the short rest of the line finds the other fields.
 template <class Char>
 Fields<Char> SplitFields(std::basic_string_view<Char> line, std::size_t first_slash) {
   Fields<Char> fields;
   fields.count = 1;
   fields.mode = line.substr(0, first_slash);
-  for (std::size_t end = first_slash; end != line.npos;) {
-    const std::size_t begin = end + 1;
-    end = line.find(Char('/'), begin);
-    const std::basic_string_view<Char> field = line.substr(begin, end == line.npos ? line.npos : end - begin);
+  if (first_slash == line.npos) return fields;
+  for (std::size_t begin = first_slash + 1, i = begin;; ++i) {
+    if (i < line.size() && line[i] != Char('/')) continue;
+    const std::basic_string_view<Char> field = line.substr(begin, i - begin);
     switch (fields.count) {
       case 1: fields.version = field; break;
       case 2: fields.size = field; break;
@@ -107,6 +108,8 @@ Fields<Char> SplitFields(std::basic_string_view<Char> line, std::size_t first_sl
     }
     ++fields.count;
     fields.mode = field;
+    if (i == line.size()) break;
+    begin = i + 1;
   }
   return fields;
 }
@@ -353,6 +356,13 @@ void RemoteListing::AppendEntry(std::u16string_view line) {
   offsets_.push_back(static_cast<std::uint32_t>(text_.size()));
 }
 
+// Sized from the first lines, the entry table is allocated once: growing it
+// step by step would leave the outgrown copies resident in the heap.
+void RemoteListing::ReserveForFile(std::size_t file_units, std::size_t units_per_line) {
+  const std::size_t lines = file_units / std::max<std::size_t>(units_per_line, 1);
+  offsets_.reserve(offsets_.size() + lines + lines / 16 + 1024);
+}
+
 bool RemoteListing::AddFile(const std::wstring& path, const std::wstring& machine) {
   std::ifstream in(platform::ToFsPath(path), std::ios::binary);
   if (!in) return false;
@@ -366,7 +376,10 @@ bool RemoteListing::AddFile(const std::wstring& path, const std::wstring& machin
   BeginFile(machine);
   Utf16Lines lines(in);
   std::u16string_view line;
+  std::size_t seen_lines = 0, seen_units = 0;
   while (lines.Next(line) && AddLine(line)) {
+    seen_units += line.size() + 2;
+    if (++seen_lines == kSampleLines) ReserveForFile(units, seen_units / seen_lines);
   }
   return true;
 }
@@ -384,24 +397,72 @@ std::wstring RemoteListing::Entry(std::int32_t position) const {
 
 // ---- the index ---------------------------------------------------------------
 
-std::uint32_t RemoteListing::InternFolded(const std::string& folded) {
-  auto found = folder_ids_.find(folded);
-  if (found != folder_ids_.end()) return found->second;
+namespace {
+
+std::uint32_t HashFolded(std::string_view folded) {
+  return static_cast<std::uint32_t>(std::hash<std::string_view>{}(folded));
+}
+
+}  // namespace
+
+std::string_view RemoteListing::FolderPath(const Folder& folder) const {
+  return EntryBytes(static_cast<std::int32_t>(folder.key_line)).substr(0, folder.key_size);
+}
+
+std::uint32_t RemoteListing::FindFolder(std::string_view folded, std::uint32_t hash) const {
+  if (folder_slots_.empty()) return kNone;
+  const std::size_t mask = folder_slots_.size() - 1;
+  for (std::size_t slot = hash & mask;; slot = (slot + 1) & mask) {
+    const std::uint32_t id = folder_slots_[slot];
+    if (id == kNone) return kNone;
+    const Folder& folder = folders_[id];
+    // Folding keeps the byte length, so equal sizes and a folded prefix match mean equal paths.
+    if (folder.hash == hash && folder.key_size == folded.size() &&
+        FoldedStartsWith(FolderPath(folder), 0, folded))
+      return id;
+  }
+}
+
+void RemoteListing::GrowFolderSlots() {
+  std::vector<std::uint32_t> slots(std::max<std::size_t>(64, folder_slots_.size() * 2), kNone);
+  const std::size_t mask = slots.size() - 1;
+  for (std::uint32_t id = 0; id < folders_.size(); ++id) {
+    std::size_t slot = folders_[id].hash & mask;
+    while (slots[slot] != kNone) slot = (slot + 1) & mask;
+    slots[slot] = id;
+  }
+  folder_slots_.swap(slots);
+}
+
+// `position` is a line that begins with the folder's path.
+std::uint32_t RemoteListing::InternFolded(std::string_view folded, std::uint32_t position) {
+  const std::uint32_t hash = HashFolded(folded);
+  if (std::uint32_t found = FindFolder(folded, hash); found != kNone) return found;
   std::uint32_t parent = kNone;
   if (folded.size() >= 2) {
     std::size_t previous = folded.rfind('\\', folded.size() - 2);
-    if (previous != std::string::npos) parent = InternFolded(folded.substr(0, previous + 1));
+    if (previous != std::string::npos) parent = InternFolded(folded.substr(0, previous + 1), position);
   }
-  std::uint32_t id = static_cast<std::uint32_t>(folders_.size());
-  auto inserted = folder_ids_.emplace(folded, id).first;
+  const std::uint32_t id = static_cast<std::uint32_t>(folders_.size());
   Folder folder;
-  folder.key = &inserted->first;
+  folder.key_line = position;
+  folder.key_size = static_cast<std::uint32_t>(folded.size());
+  folder.hash = hash;
   folder.parent = parent;
   if (parent != kNone) {
     folder.next_sibling = folders_[parent].first_child;
     folders_[parent].first_child = id;
   }
   folders_.push_back(folder);
+  // At most half full, so probes stay short.
+  if (folders_.size() * 2 > folder_slots_.size()) {
+    GrowFolderSlots();
+  } else {
+    const std::size_t mask = folder_slots_.size() - 1;
+    std::size_t slot = hash & mask;
+    while (folder_slots_[slot] != kNone) slot = (slot + 1) & mask;
+    folder_slots_[slot] = id;
+  }
   return id;
 }
 
@@ -418,7 +479,19 @@ void RemoteListing::IndexLine(std::uint32_t position) {
     }
   }
   if (NeedsCheck(run, line)) run.check.push_back(position);
-  line_folder_.push_back(FolderOf(position));
+  const std::uint32_t folder = FolderOf(position);
+  if (folder != kNone) AddToStretch(folder, position);
+}
+
+void RemoteListing::AddToStretch(std::uint32_t folder, std::uint32_t position) {
+  if (!loaded_stretches_.empty()) {
+    FolderStretch& last = loaded_stretches_.back();
+    if (last.folder == folder && last.stretch.end == position) {
+      ++last.stretch.end;
+      return;
+    }
+  }
+  loaded_stretches_.push_back(FolderStretch{folder, Stretch{position, position + 1}});
 }
 
 bool RemoteListing::NeedsCheck(const Run& run, std::string_view line) {
@@ -442,7 +515,7 @@ std::uint32_t RemoteListing::FolderOf(std::uint32_t position) {
   // Lines of one folder come together: fold and look up only on a change.
   if (prefix != std::string_view(text_).substr(previous_prefix_begin_, previous_prefix_size_)) {
     FoldBytes(prefix, folded_scratch_);
-    previous_folder_ = InternFolded(folded_scratch_);
+    previous_folder_ = InternFolded(folded_scratch_, position);
     previous_prefix_begin_ = offsets_[position - 1];
     previous_prefix_size_ = static_cast<std::uint32_t>(prefix.size());
   }
@@ -451,25 +524,22 @@ std::uint32_t RemoteListing::FolderOf(std::uint32_t position) {
 
 void RemoteListing::Finish() {
   if (finished_) return;
-  const std::uint32_t n = static_cast<std::uint32_t>(count());
-  // Direct lines of each folder, in file order.
+  // Stretches grouped by folder (a counting sort keeps file order).
   std::vector<std::uint32_t> counts(folders_.size() + 1, 0);
-  for (std::uint32_t folder : line_folder_)
-    if (folder != kNone) ++counts[folder + 1];
+  for (const FolderStretch& s : loaded_stretches_) ++counts[s.folder + 1];
   for (std::size_t f = 0; f < folders_.size(); ++f) {
     counts[f + 1] += counts[f];
     folders_[f].direct_begin = folders_[f].direct_end = counts[f];
   }
-  direct_positions_.assign(counts.back(), 0);
-  for (std::uint32_t i = 1; i <= n; ++i) {
-    if (line_folder_[i - 1] == kNone) continue;
-    Folder& folder = folders_[line_folder_[i - 1]];
-    direct_positions_[folder.direct_end++] = i;
-    folder.min = std::min(folder.min, i);
-    folder.max = std::max(folder.max, i);
-    ++folder.count;
+  direct_stretches_.assign(counts.back(), Stretch{});
+  for (const FolderStretch& s : loaded_stretches_) {
+    Folder& folder = folders_[s.folder];
+    direct_stretches_[folder.direct_end++] = s.stretch;
+    folder.min = std::min(folder.min, s.stretch.begin);
+    folder.max = std::max(folder.max, s.stretch.end - 1);
+    folder.count += s.stretch.end - s.stretch.begin;
   }
-  std::vector<std::uint32_t>().swap(line_folder_);  // only loading needs it
+  std::vector<FolderStretch>().swap(loaded_stretches_);  // only loading needs them
   // Parents come before their children, so one backward pass sums subtrees.
   for (std::size_t f = folders_.size(); f-- > 0;) {
     const Folder& folder = folders_[f];
@@ -483,9 +553,9 @@ void RemoteListing::Finish() {
 }
 
 std::size_t RemoteListing::MemoryBytes() const {
-  std::size_t bytes = text_.capacity() + offsets_.capacity() * 4 + direct_positions_.capacity() * 4 +
+  std::size_t bytes = text_.capacity() + offsets_.capacity() * 4 + direct_stretches_.capacity() * sizeof(Stretch) +
                       folders_.capacity() * sizeof(Folder);
-  for (const auto& [key, id] : folder_ids_) bytes += key.capacity() + 48;
+  bytes += folder_slots_.capacity() * 4;
   for (const Run& run : runs_) bytes += sizeof(Run) + run.check.capacity() * 4 + run.key.capacity();
   return bytes;
 }
@@ -509,8 +579,8 @@ void RemoteListing::CollectSubtree(std::uint32_t folder, std::vector<std::uint32
   while (!stack.empty()) {
     const Folder& f = folders_[stack.back()];
     stack.pop_back();
-    out.insert(out.end(), direct_positions_.begin() + f.direct_begin,
-               direct_positions_.begin() + f.direct_end);
+    for (std::uint32_t k = f.direct_begin; k < f.direct_end; ++k)
+      for (std::uint32_t p = direct_stretches_[k].begin; p < direct_stretches_[k].end; ++p) out.push_back(p);
     for (std::uint32_t c = f.first_child; c != kNone; c = folders_[c].next_sibling) stack.push_back(c);
   }
 }
@@ -529,9 +599,9 @@ void RemoteListing::PlanIndexed(const Run& run, EnumCursor& cursor) const {
   cursor.last = 0;  // empty interval
   cursor.sure_is_list = false;
 
-  auto found = folder_ids_.find(folder_key);
-  if (found == folder_ids_.end()) return;
-  const Folder& folder = folders_[found->second];
+  const std::uint32_t found = FindFolder(folder_key, HashFolded(folder_key));
+  if (found == kNone) return;
+  const Folder& folder = folders_[found];
   auto contiguous = [](const Folder& f) { return f.count > 0 && f.max - f.min + 1 == f.count; };
   if (tail.empty() && (folder.count == 0 || contiguous(folder))) {
     cursor.next = std::max(folder.min, first);
@@ -540,15 +610,14 @@ void RemoteListing::PlanIndexed(const Run& run, EnumCursor& cursor) const {
   }
   std::vector<std::uint32_t>& list = cursor.sure_list;
   if (tail.empty()) {
-    CollectSubtree(found->second, list);
+    CollectSubtree(found, list);
   } else {
     for (std::uint32_t k = folder.direct_begin; k < folder.direct_end; ++k) {
-      std::uint32_t position = direct_positions_[k];
-      if (FoldedStartsWith(EntryBytes(static_cast<std::int32_t>(position)), split, tail))
-        list.push_back(position);
+      for (std::uint32_t p = direct_stretches_[k].begin; p < direct_stretches_[k].end; ++p)
+        if (FoldedStartsWith(EntryBytes(static_cast<std::int32_t>(p)), split, tail)) list.push_back(p);
     }
     for (std::uint32_t c = folder.first_child; c != kNone; c = folders_[c].next_sibling) {
-      if (folders_[c].key->compare(split, tail.size(), tail) == 0) CollectSubtree(c, list);
+      if (FoldedStartsWith(FolderPath(folders_[c]), split, tail)) CollectSubtree(c, list);
     }
   }
   std::sort(list.begin(), list.end());

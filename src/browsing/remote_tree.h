@@ -106,24 +106,45 @@ class RemoteListing {
     std::vector<std::uint32_t> check;  // lines that a prefix index cannot vouch for
   };
   struct Folder {
-    const std::string* key = nullptr;  // folded path ending with a backslash
+    // The folder's path (ending with a backslash) is the first key_size bytes
+    // of line key_line; lookups compare it folded, so no copy is kept.
+    std::uint32_t key_line = 0;
+    std::uint32_t key_size = 0;
+    std::uint32_t hash = 0;  // of the folded path
     std::uint32_t parent = kNone;
     std::uint32_t first_child = kNone;
     std::uint32_t next_sibling = kNone;
-    std::uint32_t direct_begin = 0;
+    std::uint32_t direct_begin = 0;  // its stretches in direct_stretches_
     std::uint32_t direct_end = 0;
     std::uint32_t min = UINT32_MAX;
     std::uint32_t max = 0;
     std::uint32_t count = 0;
   };
   static constexpr std::uint32_t kNone = UINT32_MAX;
+  // Consecutive positions [begin, end) of lines directly in one folder. Lines
+  // of a folder come together, so this is far smaller than a position each.
+  struct Stretch {
+    std::uint32_t begin = 0;
+    std::uint32_t end = 0;
+  };
+  struct FolderStretch {
+    std::uint32_t folder = 0;
+    Stretch stretch;
+  };
 
   bool StartsNewNode(std::u16string_view line);
   void AppendEntry(std::u16string_view line);
+  static constexpr std::size_t kSampleLines = 4096;
+  void ReserveForFile(std::size_t file_units, std::size_t units_per_line);
   void IndexLine(std::uint32_t position);
+  void AddToStretch(std::uint32_t folder, std::uint32_t position);
   static bool NeedsCheck(const Run& run, std::string_view line);
   std::uint32_t FolderOf(std::uint32_t position);
-  std::uint32_t InternFolded(const std::string& folded);
+  std::uint32_t InternFolded(std::string_view folded, std::uint32_t position);
+  // The folder whose folded path is `folded`, or kNone.
+  std::uint32_t FindFolder(std::string_view folded, std::uint32_t hash) const;
+  std::string_view FolderPath(const Folder& folder) const;
+  void GrowFolderSlots();
   void PlanIndexed(const Run& run, EnumCursor& cursor) const;
   void CollectSubtree(std::uint32_t folder, std::vector<std::uint32_t>& out) const;
   std::int32_t Advance(EnumCursor& cursor, FindData& data) const;
@@ -145,16 +166,16 @@ class RemoteListing {
   std::wstring previous_name_;
   clsTavrinETree* current_node_ = nullptr;
   std::vector<Run> runs_;
-  std::vector<std::uint32_t> line_folder_;  // [position - 1]: the line's folder, until Finish
+  std::vector<FolderStretch> loaded_stretches_;  // in file order, until Finish
   std::uint32_t previous_prefix_begin_ = 0;  // the last folder prefix seen, in text_
   std::uint32_t previous_prefix_size_ = 0;
   std::uint32_t previous_folder_ = kNone;
   std::string folded_scratch_;
   // Index.
   std::unordered_map<std::string, std::size_t> run_by_name_;
-  std::unordered_map<std::string, std::uint32_t> folder_ids_;
+  std::vector<std::uint32_t> folder_slots_;  // open addressing: folder ids, kNone when free
   std::vector<Folder> folders_;
-  std::vector<std::uint32_t> direct_positions_;
+  std::vector<Stretch> direct_stretches_;  // grouped by folder, in file order
   bool finished_ = false;
 };
 
