@@ -132,13 +132,13 @@ void AssignWide(std::wstring& out, std::string_view bytes) {
     const std::size_t run = CopyAsciiRun(in + i, bytes.size() - i, dst + n);
     i += run;
     n += run;
-    if (i == bytes.size()) break;
-    // Two-byte forms (Latin, Greek, Cyrillic names) are the usual others.
-    if (in[i] >= 0xC0 && in[i] < 0xE0 && i + 1 < bytes.size() && (in[i + 1] & 0xC0) == 0x80) {
+    // Two-byte forms (Latin, Greek, Cyrillic names) are the usual others and
+    // come as words: decoded here in one go.
+    while (i + 1 < bytes.size() && (in[i] & 0xE0) == 0xC0 && (in[i + 1] & 0xC0) == 0x80) {
       dst[n++] = static_cast<wchar_t>(((in[i] & 0x1F) << 6) | (in[i + 1] & 0x3F));
       i += 2;
-      continue;
     }
+    if (i == bytes.size() || in[i] < 0x80) continue;
     char32_t c = DecodeUtf8(bytes, i);
     if (sizeof(wchar_t) == 2 && c >= 0x10000) {
       c -= 0x10000;
@@ -159,7 +159,12 @@ void AppendUtf8(std::string& out, std::u16string_view units) {
     const std::size_t run = CopyAsciiRun(units.data() + i, units.size() - i, out.data() + old);
     out.resize(old + run);
     i += run;
-    if (i == units.size()) break;
+    // Two-byte forms come as words: encoded here in one go.
+    for (; i < units.size() && units[i] >= 0x80 && units[i] < 0x800; ++i) {
+      out.push_back(static_cast<char>(0xC0 | (units[i] >> 6)));
+      out.push_back(static_cast<char>(0x80 | (units[i] & 0x3F)));
+    }
+    if (i == units.size() || units[i] < 0x80) continue;
     char32_t c = units[i++];
     if (c >= 0xD800 && c < 0xDC00 && i < units.size() && units[i] >= 0xDC00 && units[i] < 0xE000) {
       c = 0x10000 + ((c - 0xD800) << 10) + (units[i] - 0xDC00);

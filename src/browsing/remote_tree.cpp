@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 #include <fstream>
 #include <limits>
 
@@ -68,8 +69,23 @@ constexpr std::size_t kTextLimit = std::numeric_limits<std::uint32_t>::max() - 8
 
 bool IsBlank(char16_t c) { return c == u' ' || c == u'\t'; }
 
+// Plain digits, as the engine writes them, short enough that they cannot
+// overflow: read in one loop. False sends the text the general way.
+template <class Char>
+bool PlainDigits(std::basic_string_view<Char> text, std::int64_t& value) {
+  if (text.empty() || text.size() > 18) return false;
+  value = 0;
+  for (Char c : text) {
+    const auto digit = static_cast<std::uint32_t>(c) - '0';
+    if (digit > 9) return false;
+    value = value * 10 + digit;
+  }
+  return true;
+}
+
 template <class Char>
 std::int64_t LeadingInteger(std::basic_string_view<Char> text, std::int64_t low, std::int64_t high) {
+  if (std::int64_t value; PlainDigits(text, value)) return std::clamp(value, low, high);
   std::size_t i = 0;
   while (i < text.size() && (text[i] == ' ' || text[i] == '\t')) ++i;
   bool negative = false;
@@ -89,17 +105,39 @@ struct Fields {
   std::size_t count = 0;
 };
 
+// The next "/" at or after `from`, or npos. Fields are short, so eight bytes
+// are tested at a time in place of a library call per field.
+std::size_t FindSlash(std::string_view text, std::size_t from) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101ULL;
+  constexpr std::uint64_t kSlashes = kOnes * '/';
+  std::size_t i = from;
+  if constexpr (std::endian::native == std::endian::little) {
+    for (; i + 8 <= text.size(); i += 8) {
+      std::uint64_t word;
+      std::memcpy(&word, text.data() + i, 8);
+      const std::uint64_t x = word ^ kSlashes;
+      // High bit set in each byte that was a slash (and maybe above one).
+      const std::uint64_t hits = (x - kOnes) & ~x & (kOnes * 0x80);
+      if (hits) return i + static_cast<std::size_t>(std::countr_zero(hits) / 8);
+    }
+  }
+  for (; i < text.size(); ++i)
+    if (text[i] == '/') return i;
+  return std::string_view::npos;
+}
+
+std::size_t FindSlash(std::wstring_view text, std::size_t from) { return text.find(L'/', from); }
+
 // first_slash: where the path field ends (npos when the line has no "/").
-// One pass over the short rest of the line finds the other fields.
 template <class Char>
 Fields<Char> SplitFields(std::basic_string_view<Char> line, std::size_t first_slash) {
   Fields<Char> fields;
   fields.count = 1;
   fields.mode = line.substr(0, first_slash);
-  if (first_slash == line.npos) return fields;
-  for (std::size_t begin = first_slash + 1, i = begin;; ++i) {
-    if (i < line.size() && line[i] != Char('/')) continue;
-    const std::basic_string_view<Char> field = line.substr(begin, i - begin);
+  for (std::size_t end = first_slash; end != line.npos;) {
+    const std::size_t begin = end + 1;
+    end = FindSlash(line, begin);
+    const std::basic_string_view<Char> field = line.substr(begin, end == line.npos ? line.npos : end - begin);
     switch (fields.count) {
       case 1: fields.version = field; break;
       case 2: fields.size = field; break;
@@ -108,8 +146,6 @@ Fields<Char> SplitFields(std::basic_string_view<Char> line, std::size_t first_sl
     }
     ++fields.count;
     fields.mode = field;
-    if (i == line.size()) break;
-    begin = i + 1;
   }
   return fields;
 }
@@ -157,8 +193,8 @@ void RemoteListing::Fill(std::uint32_t position, std::string_view query, bool at
   const std::size_t name_begin = std::min(at + query.size(), line.size());
   // The first "/" ends the path, and the name with it, unless the folder path
   // itself holds a "/"; one search then serves both.
-  const std::size_t first_slash = line.find('/');
-  std::size_t path_end = first_slash >= name_begin ? first_slash : line.find('/', name_begin);
+  const std::size_t first_slash = FindSlash(line, 0);
+  std::size_t path_end = first_slash >= name_begin ? first_slash : FindSlash(line, name_begin);
   if (path_end == line.npos) path_end = line.size();
   AssignWide(data.cFilename, line.substr(name_begin, path_end - name_begin));
   Fields<char> fields = SplitFields(line, first_slash);
