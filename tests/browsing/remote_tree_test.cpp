@@ -55,6 +55,11 @@ TEST(ListingDate, ConvertsWithoutTimeZoneShift) {
       {L"01/31/2011 13:05:09", false, 0},   // other separators
       {L"", false, 0},
       {L"aa-31-2011 13:05:09", false, 0},
+      // Other shapes of the same instant, read the general way.
+      {L"1-31-2011 13:5:9", true, 129409527090000000ULL},
+      {L" 01-31-2011 13:05:09", true, 129409527090000000ULL},
+      {L"01-31-2011 13:05:0x", false, 0},  // the written length, a letter in it
+      {L"01-31-2011 13:05:60", false, 0},
   };
   for (const Case& c : cases) {
     FileTime time{7, 9};
@@ -107,6 +112,68 @@ TEST(ListingLoad, FormRulesAndNodes) {
     for (auto* n = loaded->listing.root().first_child_; n; n = n->next_sibling_) nodes.push_back(n->name_);
     EXPECT_EQ(nodes, c.nodes) << c.name;
     EXPECT_EQ(loaded->listing.root().child_count_, static_cast<int>(c.nodes.size())) << c.name;
+  }
+}
+
+TEST(ListingLoad, LineEndsSplitAcrossReadPiecesStayOneEnd) {
+  // Each start shift puts some CR of a CRLF on every unit offset modulo the
+  // line length, so whatever size the file is read in, one CRLF is cut in two.
+  const std::wstring body = L"C:\\d\\file.txt/1/2/x/U";
+  const std::size_t line_units = body.size() + 2;
+  for (std::size_t shift = 0; shift < line_units; ++shift) {
+    std::wstring text = L"C:\\" + std::wstring(shift + 3, L'p') + L"/1/2/x/U\r\n";
+    const int lines = 1 + static_cast<int>(140000 / line_units);
+    for (int i = 1; i < lines; ++i) text += body + L"\r\n";
+    auto loaded = Load(text);
+    ASSERT_EQ(loaded->listing.count(), lines) << "shift " << shift;
+    EXPECT_EQ(loaded->listing.Entry(lines), body) << "shift " << shift;
+  }
+}
+
+TEST(ListingFind, NamesAndModesSurviveTheRoundTrip) {
+  const std::wstring names[] = {
+      L"plain_ascii_name_longer_than_sixteen.txt", L"ÄÖÜäöü.txt", L"Фотографии_2024", L"ab€cd",
+      L"x\U0001D11Ey", L"lone\xD800surrogate", L"é", L"aé", L"1234567.é.1234567"};
+  std::wstring text;
+  for (const std::wstring& name : names) text += L"C:\\D\\" + name + L"/1/2/01-31-2011 13:05:09/Möde\r\n";
+  auto loaded = Load(text);
+  const RemoteListing& listing = loaded->listing;
+  EnumCursor cursor;
+  FindData data;
+  std::int32_t p = listing.FindFirst(L"C:\\D\\", cursor, data);
+  for (const std::wstring& name : names) {
+    ASSERT_NE(p, -1) << name.size();
+    EXPECT_EQ(data.cFilename, name);
+    EXPECT_EQ(data.strUnimode, L"Möde");
+    EXPECT_EQ(listing.Entry(p), L"C:\\D\\" + name + L"/1/2/01-31-2011 13:05:09/Möde");
+    p = listing.FindNext(cursor, data);
+  }
+  EXPECT_EQ(p, -1);
+}
+
+TEST(ListingFind, NumbersAsWritten) {
+  struct Case {
+    const wchar_t* version;
+    const wchar_t* size;
+    std::int16_t want_version;
+    std::int64_t want_size;
+  };
+  const Case cases[] = {
+      {L"7", L"1234567890", 7, 1234567890},
+      {L"70000", L"-5", 32767, -5},          // versions are clamped to a short
+      {L"-40000", L" 12", -32768, 12},
+      {L"+3", L"12abc", 3, 12},
+      {L"", L"", 0, 0},
+      {L"1", L"123456789012345678", 1, 123456789012345678},    // longest plain form
+      {L"1", L"1234567890123456789", 1, 1234567890123456789},  // one digit more
+  };
+  for (const Case& c : cases) {
+    auto loaded = Load(std::wstring(L"C:\\a.txt/") + c.version + L"/" + c.size + L"/01-31-2011 13:05:09/U\r\n");
+    EnumCursor cursor;
+    FindData data;
+    ASSERT_EQ(loaded->listing.FindFirst(L"C:\\", cursor, data), 1) << c.version << " " << c.size;
+    EXPECT_EQ(data.nVersion, c.want_version) << c.version;
+    EXPECT_EQ(data.nFileSize, c.want_size) << c.size;
   }
 }
 
