@@ -243,12 +243,14 @@ class Utf16Lines {
   std::istream& in_;
   std::u16string buffer_;
   std::size_t at_ = 0;
+  std::size_t scanned_ = 0;  // no line end before here: a very long line is scanned once
   bool started_ = false;
   bool at_end_ = false;
 };
 
 void Utf16Lines::Refill() {
   buffer_.erase(0, at_);  // keep the unfinished line
+  scanned_ = scanned_ > at_ ? scanned_ - at_ : 0;
   at_ = 0;
   const std::size_t kept = buffer_.size();
   buffer_.resize(kept + kChunkUnits);
@@ -270,10 +272,11 @@ void Utf16Lines::Refill() {
 bool Utf16Lines::Next(std::u16string_view& line) {
   if (!started_) Refill();
   while (true) {
-    const std::size_t end = FindLineEnd(buffer_, at_);
+    const std::size_t end = FindLineEnd(buffer_, std::max(at_, scanned_));
     // A CR last in the buffer may be the first half of a CRLF.
     const bool open = end == buffer_.size() || (buffer_[end] == u'\r' && end + 1 == buffer_.size());
     if (open && !at_end_) {
+      scanned_ = end;
       Refill();
       continue;
     }

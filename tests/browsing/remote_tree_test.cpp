@@ -130,6 +130,13 @@ TEST(ListingLoad, LineEndsSplitAcrossReadPiecesStayOneEnd) {
   }
 }
 
+TEST(ListingLoad, LineLongerThanAReadPieceIsOneEntry) {
+  const std::wstring line = L"C:\\" + std::wstring(300000, L'n') + L"/1/2/x/U";
+  auto loaded = Load(line + L"\r\n" + line + L"\r");
+  ASSERT_EQ(loaded->listing.count(), 2);
+  EXPECT_EQ(loaded->listing.Entry(2), line);
+}
+
 TEST(ListingFind, NamesAndModesSurviveTheRoundTrip) {
   const std::wstring names[] = {
       L"plain_ascii_name_longer_than_sixteen.txt", L"ÄÖÜäöü.txt", L"Фотографии_2024", L"ab€cd",
