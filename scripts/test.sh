@@ -13,22 +13,8 @@ LOGS="$BUILD/logs"
 say() { printf '==> %s\n' "$*"; }
 
 # --- packages ---------------------------------------------------------------
-PACKAGES=(g++ cmake ninja-build libgtest-dev libgmock-dev googletest libbenchmark-dev
-          mingw-w64 mingw-w64-tools libwine-dev wine wine64 xvfb xauth clang)
-missing=()
-for package in "${PACKAGES[@]}"; do
-  dpkg -s "$package" >/dev/null 2>&1 || missing+=("$package")
-done
-if ((${#missing[@]})); then
-  SUDO=()
-  [[ $(id -u) -eq 0 ]] || SUDO=(sudo)
-  say "installing: ${missing[*]}"
-  if ! "${SUDO[@]}" apt-get update -qq ||
-     ! DEBIAN_FRONTEND=noninteractive "${SUDO[@]}" apt-get install -y -qq "${missing[@]}" >/dev/null; then
-    echo "package installation failed" >&2
-    exit 1
-  fi
-fi
+source "$ROOT/scripts/lib/packages.sh"
+tavrine_install_packages "${TAVRINE_PACKAGES[@]}" || exit 1
 
 GENERATOR=()
 command -v ninja >/dev/null && GENERATOR=(-G Ninja)
