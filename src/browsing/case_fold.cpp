@@ -95,15 +95,23 @@ namespace {
 // Listing text is mostly ASCII. These copy the leading run of code units below
 // 0x80 from `in` to `out`, testing eight units with one or two word masks, and
 // return its length.
-std::size_t CopyAsciiRun(const unsigned char* in, std::size_t size, wchar_t* out) {
+// kStops: the run also ends at the ASCII byte `stop`.
+template <bool kStops>
+std::size_t CopyAsciiRun(const unsigned char* in, std::size_t size, wchar_t* out, unsigned char stop) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101ULL, kHigh = kOnes * 0x80;
   std::size_t i = 0;
   for (; i + 8 <= size; i += 8) {
     std::uint64_t word;
     std::memcpy(&word, in + i, 8);
-    if (word & 0x8080808080808080ULL) break;
+    std::uint64_t ends = word;
+    if constexpr (kStops) {
+      const std::uint64_t x = word ^ (kOnes * stop);
+      ends |= (x - kOnes) & ~x;  // high bit set somewhere when a byte equals stop
+    }
+    if (ends & kHigh) break;
     for (std::size_t k = 0; k < 8; ++k) out[i + k] = static_cast<wchar_t>(in[i + k]);
   }
-  for (; i < size && in[i] < 0x80; ++i) out[i] = static_cast<wchar_t>(in[i]);
+  for (; i < size && in[i] < 0x80 && !(kStops && in[i] == stop); ++i) out[i] = static_cast<wchar_t>(in[i]);
   return i;
 }
 
@@ -119,9 +127,11 @@ std::size_t CopyAsciiRun(const char16_t* in, std::size_t size, char* out) {
   return i;
 }
 
-}  // namespace
 
-void AssignWide(std::wstring& out, std::string_view bytes) {
+// The decoding of AssignWide; with kStops it ends at the first `stop` byte
+// and returns its offset (or the size).
+template <bool kStops>
+std::size_t Widen(std::wstring& out, std::string_view bytes, unsigned char stop) {
   // No byte sequence decodes to more units than it has bytes, so one resize
   // (within the capacity the caller's string already has) is enough.
   out.resize(bytes.size());
@@ -129,9 +139,10 @@ void AssignWide(std::wstring& out, std::string_view bytes) {
   wchar_t* dst = out.data();
   std::size_t i = 0, n = 0;
   while (i < bytes.size()) {
-    const std::size_t run = CopyAsciiRun(in + i, bytes.size() - i, dst + n);
+    const std::size_t run = CopyAsciiRun<kStops>(in + i, bytes.size() - i, dst + n, stop);
     i += run;
     n += run;
+    if (kStops && i < bytes.size() && in[i] == stop) break;
     // Two-byte forms (Latin, Greek, Cyrillic names) are the usual others and
     // come as words: decoded here in one go.
     while (i + 1 < bytes.size() && (in[i] & 0xE0) == 0xC0 && (in[i + 1] & 0xC0) == 0x80) {
@@ -149,6 +160,15 @@ void AssignWide(std::wstring& out, std::string_view bytes) {
     }
   }
   out.resize(n);
+  return i;
+}
+
+}  // namespace
+
+void AssignWide(std::wstring& out, std::string_view bytes) { Widen<false>(out, bytes, 0); }
+
+std::size_t AssignWideUntil(std::wstring& out, std::string_view bytes, char stop) {
+  return Widen<true>(out, bytes, static_cast<unsigned char>(stop));
 }
 
 void AppendUtf8(std::string& out, std::u16string_view units) {

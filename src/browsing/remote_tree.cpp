@@ -188,15 +188,24 @@ void RemoteListing::Fill(std::uint32_t position, std::string_view query, bool at
                          FindData& data) const {
   std::string_view line = EntryBytes(static_cast<std::int32_t>(position));
   // Index matches are known to start the line; others are searched.
-  std::size_t at = at_start || FoldedStartsWith(line, 0, query) ? 0 : FoldedFind(line, query);
+  const bool starts = at_start || FoldedStartsWith(line, 0, query);
+  std::size_t at = starts ? 0 : FoldedFind(line, query);
   if (at == std::string_view::npos) at = 0;
   const std::size_t name_begin = std::min(at + query.size(), line.size());
-  // The first "/" ends the path, and the name with it, unless the folder path
-  // itself holds a "/"; one search then serves both.
-  const std::size_t first_slash = FindSlash(line, 0);
-  std::size_t path_end = first_slash >= name_begin ? first_slash : FindSlash(line, name_begin);
-  if (path_end == line.npos) path_end = line.size();
-  AssignWide(data.cFilename, line.substr(name_begin, path_end - name_begin));
+  std::size_t first_slash;
+  if (starts && query.find('/') == std::string_view::npos) {
+    // Nothing before the name holds a "/" (folding makes no "/"): the name
+    // ends at the first one, which copying the name finds.
+    first_slash = name_begin + AssignWideUntil(data.cFilename, line.substr(name_begin), '/');
+    if (first_slash == line.size()) first_slash = std::string_view::npos;
+  } else {
+    // The first "/" ends the path, and the name with it, unless the folder
+    // path itself holds a "/".
+    first_slash = FindSlash(line, 0);
+    std::size_t path_end = first_slash >= name_begin ? first_slash : FindSlash(line, name_begin);
+    if (path_end == line.npos) path_end = line.size();
+    AssignWide(data.cFilename, line.substr(name_begin, path_end - name_begin));
+  }
   Fields<char> fields = SplitFields(line, first_slash);
   FillNumbersAndDate(fields, data);
   if (fields.count >= 5 && !IsOrdinaryMode(fields.mode)) {

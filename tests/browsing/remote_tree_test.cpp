@@ -267,7 +267,8 @@ std::wstring OddListing(std::mt19937& rng, std::vector<std::wstring>& folders) {
     const int shape = pick(rng);
     if (shape < 70) line = path + L"/3/42/01-31-2011 13:05:09/U";
     else if (shape < 75) line = path + L"\\/1/1/01-31-2011 13:05:09/U";  // trailing backslash
-    else if (shape < 80) line = path + L"/1";                            // missing fields
+    else if (shape < 78) line = path + L"/1";                            // missing fields
+    else if (shape < 80) line = path;                                    // no field at all
     else if (shape < 83) line = L"noslash" + std::to_wstring(i) + L"/1/1/bad date/Z";
     else if (shape < 88) line = previous.empty() ? path + L"/1/1/x/U" : previous;  // duplicate
     else if (shape < 92) line = path + L"/2/9/02-30-2011 10:00:00/U";   // invalid date
