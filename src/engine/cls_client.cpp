@@ -56,17 +56,25 @@ void WriteRequest(const std::wstring& folder, const std::vector<std::wstring>& l
 void ReadResultFiles(const std::wstring& folder, bool& bResult, std::wstring& strDescrip,
                      double& lValue) {
   bResult = false;
+  bool numbered = false;
   if (auto lines = foundation::ReadAnsiLines(JoinPath(folder, L"DLLOutput.txt"));
       lines && !lines->empty()) {
-    if (auto number = foundation::ParseNumber(lines->front())) lValue = *number;
+    auto number = foundation::ParseNumber(lines->front());
+    if (number) lValue = *number;
+    numbered = number.has_value();
     bResult = true;
   }
-  if (bResult) return;
-  if (auto lines = foundation::ReadAnsiLines(JoinPath(folder, L"DLLOutputInfo.txt"));
-      lines && !lines->empty()) {
-    if (auto number = foundation::ParseNumber(lines->front())) lValue = *number;
-    if (lines->size() > 1) strDescrip = (*lines)[1];
+  if (!bResult) {
+    if (auto lines = foundation::ReadAnsiLines(JoinPath(folder, L"DLLOutputInfo.txt"));
+        lines && !lines->empty()) {
+      auto number = foundation::ParseNumber(lines->front());
+      if (number) lValue = *number;
+      numbered = number.has_value();
+      if (lines->size() > 1) strDescrip = (*lines)[1];
+    }
   }
+  // A crashed, silent or garbled engine otherwise leaves no mark in the log.
+  if (!numbered) foundation::Trace(L"ReadDLLOutputFile :: no result code from the engine in " + folder);
 }
 
 }  // namespace

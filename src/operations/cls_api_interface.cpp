@@ -186,6 +186,9 @@ std::int32_t clsAPI_Interface::API_REMOTE(const std::wstring& strtempfd) {
     double value = 0;
     for (int attempt = 0; attempt < kListingAttempts;) {
       client_.DeleteInputOutFiles();
+      // What an earlier run left in the caller's folder must not pass for this run's answer.
+      client_.DeleteInputOutFilesTempFd(strtempfd);
+      DeleteFileIfExists(JoinPath(strtempfd, L"Backupfile.txt"));
       client_.WriteDLLInputFileTempFd(
           strtempfd, engine::ProxyArguments(proxy, engine::RandomNumberForRequest(client_)));
       auto process = engine::StartEngine(engine::ConfiguredEngineProgram(),

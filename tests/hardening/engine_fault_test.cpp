@@ -1,0 +1,220 @@
+// Every engine round trip against a misbehaving engine: the call returns its
+// defined result, says so in the trace log, and the next call with a good
+// answer succeeds.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <thread>
+
+#include "backup/compare_harness.h"
+#include "browsing/tavrine_enum.h"
+#include "hardening_fixture.h"
+#include "operations/c_backup.h"
+#include "operations/cls_api_interface.h"
+#include "platform/path.h"
+#include "profile/profile_store.h"
+
+namespace tavrine::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+enum class Fault { kCrashBeforeWriting, kCrashHalfway, kGarbage, kHangPastTimeout, kNoAnswer };
+
+const char* Name(Fault fault) {
+  switch (fault) {
+    case Fault::kCrashBeforeWriting: return "crash before writing";
+    case Fault::kCrashHalfway: return "crash halfway through a file";
+    case Fault::kGarbage: return "garbage output";
+    case Fault::kHangPastTimeout: return "hang past the time-out";
+    case Fault::kNoAnswer: return "exit without an answer";
+  }
+  return "?";
+}
+
+constexpr char kListing[] = "\xFF\xFE" "C\0:\0\\\0a\0/\0" "1\0/\0" "1\0/\0" "x\0/\0" "U\0\r\0\n\0";
+constexpr char kVersions[] = "1/01-31-2011 13:05:09/01-30-2011 10:00:00/100|2/02-01-2011 08:00:00/01-30-2011 10:00:00/120|\r\n";
+
+class EngineFaults : public HardeningSession {
+ public:
+  long long Quota() {
+    double max_size = 5, used = 5;
+    long long result = operations::clsAPI_Interface().API_GetQuota(max_size, used);
+    return result == 0 ? static_cast<long long>(used) : -100 + result;
+  }
+  long long Listing() { return operations::clsAPI_Interface().API_REMOTE(CallerFolder(L"list")); }
+  long long Versions() {
+    std::wstring folder;
+    return operations::clsAPI_Interface().API_GETVERSIONS(L"C:\\a.txt", folder);
+  }
+  long long Delete() {
+    fs::path list = install_.path() / "to delete.txt";
+    WriteFileBytes(list, "C:\\a.txt\r\n");
+    return operations::clsAPI_Interface().API_DELETE_REMOTE_FILE(platform::FromFsPath(list));
+  }
+  long long Init() { return browsing::TavrinEenum().TavrinEInit(); }
+  fs::path UserListing() const { return platform::ToFsPath(UserFolder()) / "Backupfile.txt"; }
+  void WriteUserListing() const { WriteFileBytes(UserListing(), std::string(kListing, sizeof kListing - 1)); }
+  void InstallCompare() { InstallCompareProgram(install_.path()); }
+  using HardeningSession::NewTrace;
+  using HardeningSession::Script;
+};
+
+// One engine round trip: its code, its good answer, the file a halfway crash
+// cuts, the call, and what the call gives when the engine fails it. An
+// unreadable code reads as 0, which some calls take as their success.
+struct Operation {
+  const char* name;
+  int code;
+  std::function<void(EngineScenario&, EngineFaults&)> good;
+  const char* data_file;  // cut in half by kCrashHalfway, after a good result code
+  std::string data_bytes;
+  std::function<long long(EngineFaults&)> call;
+  long long good_result;
+  long long fault_result;
+  long long garbage_result;
+};
+
+std::vector<Operation> Operations() {
+  const std::string listing(kListing, sizeof kListing - 1);
+  return {
+      {"API_GetQuota", 114,
+       [](EngineScenario& s, EngineFaults&) {
+         s.On(114).Output(402).WithFile("Quota.txt", "100\r\n200\r\n");
+       },
+       "Quota.txt", "1234567\r\n200\r\n", [](EngineFaults& t) { return t.Quota(); }, 100, -1, -1},
+      {"API_REMOTE", 115,
+       [listing](EngineScenario& s, EngineFaults&) { s.On(115).Output(0).WithFile("Backupfile.txt", listing); },
+       "Backupfile.txt", listing, [](EngineFaults& t) { return t.Listing(); }, 402, -1, -412},
+      {"API_AutoReconnect", 116,
+       [](EngineScenario& s, EngineFaults&) {
+         s.On(116).Output(402).WithFile("DLLOutput1.txt", "127.0.0.1\r\n443\r\n");
+       },
+       "DLLOutput1.txt", "127.0.0.1\r\n443\r\n",
+       [](EngineFaults&) -> long long { return operations::clsAPI_Interface().API_AutoReconnect(); },
+       402, 0, 0},
+      {"API_UPDATE_RAND_NUM", 5, [](EngineScenario& s, EngineFaults&) { s.On(5).Output(404); },
+       nullptr, "",
+       [](EngineFaults&) -> long long { return operations::clsAPI_Interface().API_UPDATE_RAND_NUM(); },
+       404, 0, 0},
+      {"API_GETVERSIONS", 113,
+       [](EngineScenario& s, EngineFaults&) {
+         s.On(113).Output(402).WithFile("BackupVersion.txt", kVersions);
+       },
+       "BackupVersion.txt", kVersions, [](EngineFaults& t) { return t.Versions(); }, 402, 0, 0},
+      {"API_DELETE_REMOTE_FILE", 6, [](EngineScenario& s, EngineFaults&) { s.On(6).Output(402); },
+       nullptr, "", [](EngineFaults& t) { return t.Delete(); }, 1, -1, 1},
+      // The listing it loads is the user's own file; the engine only refreshes it.
+      {"TavrinEInit", 122,
+       [](EngineScenario& s, EngineFaults& t) {
+         s.On(119).Output(402).On(122).Output(402);
+         t.WriteUserListing();
+       },
+       nullptr, "", [](EngineFaults& t) { return t.Init(); }, 1, 0, 0},
+  };
+}
+
+void AddFault(EngineScenario& s, const Operation& op, Fault fault) {
+  s.On(op.code);
+  switch (fault) {
+    case Fault::kCrashBeforeWriting: s.Crash(); break;
+    case Fault::kCrashHalfway:
+      if (op.data_file) {
+        s.Output(402).CrashHalfway(op.data_file, op.data_bytes);
+      } else {
+        s.CrashHalfway("DLLOutput.txt", "-12009 busy\r\n");
+      }
+      break;
+    case Fault::kGarbage: s.WithFile("DLLOutput.txt", std::string("\x01\xFF\0garbage\r\n", 11)); break;
+    case Fault::kHangPastTimeout: s.Hang(); break;
+    case Fault::kNoAnswer: s.Exit(0); break;
+  }
+}
+
+TEST_F(EngineFaults, EachOperationSurvivesEachFault) {
+  const Fault faults[] = {Fault::kCrashBeforeWriting, Fault::kCrashHalfway, Fault::kGarbage,
+                          Fault::kHangPastTimeout, Fault::kNoAnswer};
+  for (const Operation& op : Operations()) {
+    for (Fault fault : faults) {
+      SCOPED_TRACE(std::string(op.name) + ": " + Name(fault));
+      EngineScenario bad;
+      if (op.code == 122) {
+        bad.On(119).Output(402);
+        fs::remove(UserListing());
+      }
+      AddFault(bad, op, fault);
+      Script(bad);
+      NewTrace();
+      auto started = std::chrono::steady_clock::now();
+      long long result = op.call(*this);
+      auto took = std::chrono::steady_clock::now() - started;
+      // A halfway crash leaves a good code and a cut data file: what the cut
+      // file holds is used, so only "no crash, no hang" is asserted then.
+      if (fault == Fault::kGarbage) {
+        EXPECT_EQ(result, op.garbage_result);
+      } else if (fault != Fault::kCrashHalfway) {
+        EXPECT_EQ(result, op.fault_result);
+      }
+      std::string trace = NewTrace();
+      if (fault != Fault::kCrashHalfway) {
+        EXPECT_FALSE(trace.empty()) << "no trace line";
+      }
+      if (fault == Fault::kHangPastTimeout) {
+        EXPECT_NE(trace.find("Engine run exceeded 1 s and was terminated"), std::string::npos);
+      }
+      EXPECT_LT(took, std::chrono::seconds(30));
+
+      EngineScenario good;
+      op.good(good, *this);
+      Script(good);
+      EXPECT_EQ(op.call(*this), op.good_result) << "the next good call";
+    }
+  }
+}
+
+TEST_F(EngineFaults, CancelledHangEndsListingAndCompare) {
+  Script(EngineScenario().On(115).Hang());
+  std::wstring folder = CallerFolder(L"cancelled");
+  std::thread canceller([path = platform::ToFsPath(folder) / "cancel.txt"] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    WriteFileBytes(path, "");
+  });
+  EXPECT_EQ(operations::clsAPI_Interface().API_REMOTE(folder), -1);
+  canceller.join();
+  fs::remove(platform::ToFsPath(folder) / "cancel.txt");
+  EngineScenario good;
+  good.On(115).Output(0).WithFile("Backupfile.txt", {kListing, sizeof kListing - 1});
+  Script(good);
+  EXPECT_EQ(operations::clsAPI_Interface().API_REMOTE(folder), 402);
+}
+
+// The compare program of a backup: same faults, its own scenario file.
+TEST_F(EngineFaults, BackupCompareSurvivesEachFault) {
+  InstallCompare();
+  EngineScenario listing;
+  listing.On(115).Output(0).WithFile("Backupfile.txt", {kListing, sizeof kListing - 1});
+  Script(listing);
+  std::wstring folder = CallerFolder(L"backup");
+  struct Row {
+    const char* scenario;
+    std::int32_t result;
+  } rows[] = {{"crash\n", -1}, {"result \x01\xff garbage\n", -1}, {"hang\n", -1}, {"exit 0\n", -1}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.scenario);
+    WriteFileBytes(platform::ToFsPath(folder) / "InputList.txt", "C:\\x.txt\r\n");
+    WriteCompareScenario(install_.path(), row.scenario);
+    NewTrace();
+    EXPECT_EQ(operations::CBackup().W_BackupInit(0, folder), row.result);
+    EXPECT_FALSE(NewTrace().empty());
+    operations::CBackup().W_BackupExitInstance();
+    WriteCompareScenario(install_.path(), "result 1\n");
+    WriteFileBytes(platform::ToFsPath(folder) / "InputList.txt", "C:\\x.txt\r\n");
+    EXPECT_EQ(operations::CBackup().W_BackupInit(0, folder), 1) << "the next good call";
+    operations::CBackup().W_BackupExitInstance();
+  }
+}
+
+}  // namespace
+}  // namespace tavrine::testing
