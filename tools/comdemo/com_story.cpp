@@ -511,8 +511,10 @@ class Story {
       // The profile's TavrinEClientPID is what API_ENTRY returned: the upload
       // engine's process handle, now ours to wait on and close.
       const long long value = std::wcstoll(Profile(L"TavrinEClientPID").c_str(), nullptr, 10);
-      UniqueHandle engine(reinterpret_cast<HANDLE>(static_cast<INT_PTR>(value)));
-      if (value > 0 && WaitForSingleObject(engine.get(), kEngineWaitMs) == WAIT_OBJECT_0) code = ReadAnswer(temp);
+      if (value > 0) {
+        UniqueHandle engine(reinterpret_cast<HANDLE>(static_cast<INT_PTR>(value)));
+        if (WaitForSingleObject(engine.get(), kEngineWaitMs) == WAIT_OBJECT_0) code = ReadAnswer(temp);
+      }
     }
     backup->W_BackupExitInstance(&ignored);
     return code;
