@@ -241,6 +241,11 @@ std::int16_t clsAPI_Interface::API_GetQuota(double& sMaxSize, double& sUsedSpace
   try {
     engine::ProxySettings proxy = LoadSession();
     std::wstring folder = engine::MakeExchangeFolder(client_.UserFolder());
+    if (folder.empty()) {
+      // Without it the request would land in the current folder.
+      foundation::Trace(L"API_GetQuota :: exchange folder could not be created");
+      return result;
+    }
     PreloadFailureTexts();
 
     bool has_result = false;

@@ -1,0 +1,291 @@
+// Outside input at its worst: huge numbers and lines, NULs, broken UTF-16,
+// impossible dates, names that try to leave the work root, a work root that
+// cannot hold folders, a full disk, a locked request, a late answer.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <limits>
+#include <string>
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+#include "browsing/browsing_state.h"
+#include "browsing/file_history.h"
+#include "browsing/file_time.h"
+#include "browsing/remote_tree.h"
+#include "browsing/tavrine_enum.h"
+#include "engine/cls_client.h"
+#include "foundation/text_file.h"
+#include "foundation/text_util.h"
+#include "hardening_fixture.h"
+#include "operations/cls_api_interface.h"
+#include "platform/ini_file.h"
+#include "platform/path.h"
+#include "profile/profile_store.h"
+
+namespace tavrine::testing {
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string kMegabyte(1 << 20, '7');
+
+using Hostile = HardeningSession;
+
+// Result files: whatever they hold, the code stays a 32-bit number and the
+// description a line.
+TEST_F(Hostile, ResultFilesOfAnyShapeGiveABoundedCode) {
+  struct Row {
+    const char* what;
+    std::string output;  // DLLOutput.txt; "" for none
+    std::string info;    // DLLOutputInfo.txt; "" for none
+    std::int32_t code;
+  } rows[] = {
+      // Past the range of a double is "not a number", read as 0.
+      {"a megabyte of digits", kMegabyte + "\r\n", "", 0},
+      {"a megabyte-long description", "", "-12009\r\n" + std::string(1 << 20, 'd') + "\r\n", -12009},
+      {"NUL inside the number", std::string("40\0" "2\r\n", 5), "", 0},
+      {"NUL only", std::string("\0\0\0", 3), "", 0},
+      {"overflowing number", "-99999999999999999999999\r\n", "", std::numeric_limits<std::int32_t>::min()},
+      {"exponent past double", "1e999999\r\n", "", 0},
+      {"hex and words", "0x1F\r\n", "inf\r\nnan\r\n", 0},
+      {"UTF-16 where ANSI is read", "\xFF\xFE" "4\0" "0\0" "2\0", "", 0},
+  };
+  std::wstring folder = CallerFolder(L"results");
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    fs::path path = platform::ToFsPath(folder);
+    fs::remove(path / "DLLOutput.txt");
+    fs::remove(path / "DLLOutputInfo.txt");
+    if (!row.output.empty()) WriteFileBytes(path / "DLLOutput.txt", row.output);
+    if (!row.info.empty()) WriteFileBytes(path / "DLLOutputInfo.txt", row.info);
+    bool has_result = false;
+    std::wstring description;
+    double value = 0;
+    engine::clsClient().ReadDLLOutputFileTempFd(folder, has_result, description, value);
+    EXPECT_EQ(foundation::RoundToInt32(value), row.code);
+    EXPECT_EQ(description.find(L'\n'), std::wstring::npos);
+  }
+}
+
+// The highest version number sizes the version array: a huge or negative one
+// must be skipped, not allocated.
+TEST_F(Hostile, VersionNumbersOutOfReachAreSkippedNotAllocated) {
+  struct Row {
+    const char* what;
+    std::string text;
+    std::vector<std::int16_t> shown;  // newest first
+  } rows[] = {
+      {"two billion", "2000000000/01-31-2011 13:05:09/01-30-2011 10:00:00/1|2/01-31-2011 13:05:09/x/5|", {2}},
+      {"past 64 bits", "99999999999999999999999/a/b/1|1/a/b/2|", {1}},
+      {"negative", "-5/a/b/1|3/a/b/2|", {3}},
+      {"a megabyte record", "1/" + kMegabyte + "/b/1|", {1}},
+      {"NUL in a record", std::string("1/01-31-2011\0 13:05:09/x/1|", 27), {1}},
+  };
+  std::wstring folder = CallerFolder(L"versions");
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    WriteFileBytes(platform::ToFsPath(folder) / "BackupVersion.txt", row.text);
+    browsing::CTavrinEFileHistory history;
+    history.Init();
+    history.set_folder(folder);
+    ASSERT_EQ(history.FetchAllVersions(), 1);
+    EXPECT_LE(browsing::CurrentBrowsingState().versions.size(), 100001u);
+    history.set_folder(L"");
+    std::vector<std::int16_t> shown;
+    browsing::FileVersions version;
+    while (history.GetFileVersion(version) != -1 && shown.size() < 40) shown.push_back(version.nVersion);
+    EXPECT_EQ(shown, row.shown);
+  }
+}
+
+std::string Utf16Bytes(const std::u16string& text, bool bom) {
+  std::string bytes = bom ? "\xFF\xFE" : "";
+  for (char16_t c : text) {
+    bytes += static_cast<char>(c & 0xFF);
+    bytes += static_cast<char>(c >> 8);
+  }
+  return bytes;
+}
+
+// Backupfile.txt and the other UTF-16 files: the BOM is optional, an odd last
+// byte is dropped, a NUL is a character like any other.
+TEST_F(Hostile, BrokenUtf16ListingsStillLoad) {
+  const std::u16string line = u"C:\\D\\a.txt/1/2/01-31-2011 13:05:09/U\r\n";
+  struct Row {
+    const char* what;
+    std::string bytes;
+    std::int32_t entries;
+  } rows[] = {
+      {"no BOM", Utf16Bytes(line + line, false), 2},
+      {"odd byte count", Utf16Bytes(line + line, true) + "C", 2},
+      {"NUL in a name", Utf16Bytes(u"C:\\D\\a" + std::u16string(1, u'\0') + u"b/1/2/x/U\r\n", true), 1},
+      {"a megabyte line", Utf16Bytes(u"C:\\" + std::u16string(1 << 20, u'n') + u"/1/2/x/U\r\n" + line, true), 2},
+      {"only a BOM", "\xFF\xFE", 0},
+      {"one byte", "\xFF", 0},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    fs::path file = install_.path() / "listing" / "Backupfile.txt";
+    fs::create_directories(file.parent_path());
+    WriteFileBytes(file, row.bytes);
+    browsing::RemoteListing listing;
+    ASSERT_TRUE(listing.AddFile(platform::FromFsPath(file), L""));
+    listing.Finish();
+    EXPECT_EQ(listing.count(), row.entries);
+    auto lines = foundation::ReadUtf16Lines(platform::FromFsPath(file));
+    ASSERT_TRUE(lines.has_value());
+  }
+}
+
+TEST_F(Hostile, IniValuesAreCutAndNulsDoNotEndTheFile) {
+  fs::path file = install_.path() / "hostile.ini";
+  WriteFileBytes(file, "[MPC]\r\nHosts=" + kMegabyte + "\r\n" + std::string("Nul=a\0b\r\n", 9) +
+                           "HostCount=2\r\n");
+  std::wstring path = platform::FromFsPath(file);
+  EXPECT_EQ(platform::ReadIniString(L"MPC", L"Hosts", path).size(), platform::kIniValueMax);
+  EXPECT_EQ(platform::ReadIniString(L"MPC", L"HostCount", path), L"2");
+}
+
+TEST_F(Hostile, NumbersThatOverflowAreRefusedOrClamped) {
+  EXPECT_FALSE(foundation::ParseInt16(L"32768"));
+  EXPECT_FALSE(foundation::ParseInt32(L"2147483648"));
+  EXPECT_FALSE(foundation::ParseInt32(L"1e400"));
+  EXPECT_EQ(foundation::RoundToInt32(1e300), std::numeric_limits<std::int32_t>::max());
+  EXPECT_EQ(foundation::RoundToInt32(std::numeric_limits<double>::quiet_NaN()), 0);
+  EXPECT_EQ(foundation::LeadingNumber(std::wstring(1 << 20, L'9')), foundation::LeadingNumber(std::wstring(256, L'9')));
+}
+
+TEST_F(Hostile, ImpossibleDatesLeaveTheRecordAlone) {
+  for (const wchar_t* text : {L"02-30-2011 00:00:00", L"00-10-2011 00:00:00", L"12-00-2011 00:00:00",
+                              L"01-01-1600 00:00:00", L"12-31-99999 23:59:59",
+                              L"99999999999999999999-01-2011 00:00:00", L"01-01-2011 24:00:00",
+                              L"01-01-2011 -1:00:00", L"\x0661\x0662-01-2011 00:00:00"}) {
+    SCOPED_TRACE(platform::WideToUtf8(text));
+    browsing::FileTime time{7, 7};
+    EXPECT_NE(browsing::ConvertListingDate(std::wstring_view(text), time), browsing::DateFailure::kNone);
+    EXPECT_EQ(time.dwLowDateTime, 7u);
+    EXPECT_EQ(time.dwHighDateTime, 7u);
+  }
+}
+
+// Everything below the temp folder that the library may touch.
+std::vector<fs::path> FilesOutside(const fs::path& root, const fs::path& inside) {
+  std::vector<fs::path> found;
+  for (const auto& entry : fs::recursive_directory_iterator(root)) {
+    auto relative = fs::relative(entry.path(), inside);
+    if (!relative.empty() && *relative.begin() == "..") found.push_back(entry.path());
+  }
+  return found;
+}
+
+// Machine names come from the service: one that is not a plain name must
+// never become a listing folder.
+TEST_F(Hostile, ServerMachineNamesThatLeaveTheFolderAreDropped) {
+  profile::UpdateUserProfile(L"List", L"..|1|1;a\\b|2|1;c/d|3|1;.|4|1;C:|5|1;GOOD|6|1;");
+  browsing::TavrinEenum enumeration;
+  EXPECT_EQ(enumeration.ReadMachineList(), 1);
+  EXPECT_EQ(browsing::CurrentBrowsingState().machine_list, std::vector<std::wstring>{L"GOOD"});
+}
+
+TEST_F(Hostile, AStoredCurrentUserThatLeavesTheWorkRootIsRefused) {
+  auto store = profile::ProfileStore::ForCurrentInstallation();
+  for (const wchar_t* user : {L"..", L"..\\..\\escape", L"../escape", L"a/../../escape"}) {
+    SCOPED_TRACE(platform::WideToUtf8(user));
+    ASSERT_TRUE(store.registry().WriteString(store.root_key(), profile::kCurrentUserValue, user));
+    Script(EngineScenario().On(114).Output(402).WithFile("Quota.txt", "1\r\n2\r\n"));
+    double max_size = 0, used = 0;
+    operations::clsAPI_Interface().API_GetQuota(max_size, used);
+    EXPECT_EQ(FilesOutside(install_.path().parent_path(), install_.path()), std::vector<fs::path>{});
+    EXPECT_FALSE(fs::exists(install_.path().parent_path() / "escape"));
+  }
+}
+
+// A work root that cannot hold folders (a file where the folder should be;
+// the tests run as root on CI, so a mode-0555 folder would not stop them):
+// nothing is started, nothing is written beside the program or into the
+// current folder, and each call gives its no-result value.
+TEST_F(Hostile, AWorkRootThatCannotHoldFoldersStartsNothing) {
+  fs::path blocker = install_.path() / "not a folder";
+  WriteFileBytes(blocker, "x");
+  install_.WriteFile(L"UserName.ini",
+                     "[Registry]\r\nVirtualPath=" + platform::WideToUtf8(platform::FromFsPath(blocker / "")) + "\r\n");
+  Script(EngineScenario().On(114).Output(402).On(116).Output(402).On(5).Output(404).On(113).Output(402).On(6).Output(402));
+  fs::path list = install_.path() / "to delete.txt";
+  WriteFileBytes(list, "C:\\a.txt\r\n");
+  fs::path cwd = fs::current_path();
+  bool request_in_cwd_before = fs::exists(cwd / "DLLInput.txt");
+
+  double max_size = 5, used = 5;
+  operations::clsAPI_Interface api;
+  EXPECT_EQ(api.API_GetQuota(max_size, used), -1);
+  EXPECT_EQ(api.API_AutoReconnect(), -1);
+  EXPECT_EQ(api.API_UPDATE_RAND_NUM(), -1);
+  std::wstring folder;
+  EXPECT_EQ(api.API_GETVERSIONS(L"C:\\a.txt", folder), -1);
+  EXPECT_EQ(api.API_DELETE_REMOTE_FILE(platform::FromFsPath(list)), -1);
+  EXPECT_TRUE(install_.Journal().empty());
+  EXPECT_EQ(fs::exists(cwd / "DLLInput.txt"), request_in_cwd_before);
+  EXPECT_FALSE(fs::exists(install_.path() / "DLLInput.txt"));
+}
+
+TEST_F(Hostile, AFullDiskMakesWritesReportFailure) {
+#ifdef _WIN32
+  GTEST_SKIP() << "no cheap full file system on Windows";
+#else
+  if (!fs::exists("/dev/full")) GTEST_SKIP() << "no /dev/full";
+  EXPECT_FALSE(foundation::WriteUtf16Lines(L"/dev/full", {L"line"}));
+  EXPECT_FALSE(foundation::AppendAnsiLine(L"/dev/full", L"line"));
+#endif
+}
+
+// The engine answers after it has ended (a slow disk): the listing waits for it.
+class LateAnswerClock : public RealTimeClock {
+ public:
+  explicit LateAnswerClock(fs::path folder) : folder_(std::move(folder)) {}
+  void Sleep(std::uint32_t ms) override {
+    RealTimeClock::Sleep(ms);
+    if (++pauses_ == 5) {
+      WriteFileBytes(folder_ / "Backupfile.txt", "\xFF\xFE" "C\0:\0\\\0" "a\0/\0" "1\0\r\0\n\0");
+      WriteFileBytes(folder_ / "DLLOutput.txt", "0\r\n");
+    }
+  }
+
+ private:
+  fs::path folder_;
+  int pauses_ = 0;
+};
+
+TEST_F(Hostile, AResultFileThatAppearsLateIsStillRead) {
+  Script(EngineScenario().On(115).Exit(0));
+  std::wstring folder = CallerFolder(L"late");
+  LateAnswerClock clock(platform::ToFsPath(folder));
+  platform::Services seams;
+  seams.clock = &clock;
+  platform::ScopedServices late(seams);
+  EXPECT_EQ(operations::clsAPI_Interface().API_REMOTE(folder), 402);
+}
+
+#ifdef _WIN32
+// Another program holds the request file open without sharing: the call must
+// still end with its no-result value instead of waiting on the file.
+TEST_F(Hostile, ALockedRequestFileEndsTheCall) {
+  std::wstring folder = CallerFolder(L"locked");
+  std::wstring request = folder + L"\\DLLInput.txt";
+  HANDLE lock = CreateFileW(request.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                            FILE_ATTRIBUTE_NORMAL, nullptr);
+  ASSERT_NE(lock, INVALID_HANDLE_VALUE);
+  Script(EngineScenario().On(115).Output(0));
+  std::int32_t result = operations::clsAPI_Interface().API_REMOTE(folder);
+  CloseHandle(lock);
+  EXPECT_EQ(result, -412);
+  auto runs = install_.Journal();
+  for (const auto& run : runs) EXPECT_EQ(run.request.value_or(""), "") << "the engine saw a request";
+}
+#endif
+
+}  // namespace
+}  // namespace tavrine::testing
