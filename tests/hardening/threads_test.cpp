@@ -1,0 +1,101 @@
+// Two threads using the library at once, each with its own install folder,
+// settings, profile, listing and enumeration: the per-thread state must keep
+// them apart.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <barrier>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "browsing/browsing_state.h"
+#include "browsing/tavrine_enum.h"
+#include "foundation/settings.h"
+#include "platform/path.h"
+#include "profile/profile_store.h"
+#include "support/engine_harness.h"
+#include "support/fake_clock.h"
+#include "support/install_folder.h"
+#include "support/recording_ui.h"
+
+namespace tavrine::testing {
+namespace {
+
+std::string Utf16Listing(const std::wstring& text) {
+  std::string bytes = "\xFF\xFE";
+  for (wchar_t c : text) {
+    bytes += static_cast<char>(c & 0xFF);
+    bytes += static_cast<char>((c >> 8) & 0xFF);
+  }
+  return bytes;
+}
+
+EngineInstallOptions Options() {
+  EngineInstallOptions options;
+  options.configuration_ini =
+      "[ProductInfo]\r\nProductNumber=7\r\nProductName=TavrinE\r\n"
+      "ProductInstallationName=TavrinETest\r\nExeGroup=TavrinE\r\n"
+      "[ConnectionInfo]\r\nDomainName=localhost\r\nEngineTimeoutSeconds=20\r\n";
+  return options;
+}
+
+// One thread's session: its user, its listing of `files` entries in folder
+// C:\<user>\, walked `rounds` times while the other thread does the same.
+struct Walker {
+  std::wstring user;
+  int files = 0;
+  std::vector<std::wstring> failures;
+
+  void Run(std::barrier<>& together, int rounds) {
+    EngineInstall install(Options());
+    FakeClock clock;
+    RecordingUi ui;
+    platform::Services seams;
+    seams.clock = &clock;
+    seams.ui = &ui;
+    platform::ScopedServices scoped(seams);
+    foundation::CurrentSettings() = foundation::Settings{};
+    profile::SetCurrentUserName(user);
+    profile::UpdateUserProfile(L"username", user);
+    profile::UpdateUserProfile(L"Count", L"0");
+    std::wstring text;
+    for (int i = 0; i < files; ++i)
+      text += L"C:\\" + user + L"\\f" + std::to_wstring(i) + L".txt/1/10/01-31-2011 13:05:09/U\r\n";
+    install.WriteFile(L"listing.txt", Utf16Listing(text));
+    install.SetScenario(EngineScenario().On(119).Output(402).On(122).Output(402));
+    auto user_folder = install.path() / platform::ToFsPath(L"TavrinETest" + user);
+    std::filesystem::create_directories(user_folder);
+    WriteFileBytes(user_folder / "Backupfile.txt", Utf16Listing(text));
+
+    together.arrive_and_wait();
+    for (int round = 0; round < rounds; ++round) {
+      browsing::TavrinEenum enumeration;
+      if (enumeration.TavrinEInit() != 1) failures.push_back(L"init failed");
+      browsing::FindData data;
+      int seen = 0;
+      for (auto p = enumeration.TavrinEFindFirstFile(L"C:\\" + user + L"\\", data); p != -1;
+           p = enumeration.TavrinENextFile(data))
+        ++seen;
+      if (seen != files) failures.push_back(L"saw " + std::to_wstring(seen));
+      std::wstring current;
+      enumeration.W_GetCurrentUser(current);
+      if (current != user) failures.push_back(L"user " + current);
+    }
+    ResetProfileStore();
+  }
+};
+
+TEST(Threads, TwoSessionsAtOnceKeepTheirOwnState) {
+  Walker anna{L"anna", 3, {}}, bert{L"bert", 7, {}};
+  std::barrier together(2);
+  std::thread a([&] { anna.Run(together, 5); });
+  std::thread b([&] { bert.Run(together, 5); });
+  a.join();
+  b.join();
+  EXPECT_EQ(anna.failures, std::vector<std::wstring>{});
+  EXPECT_EQ(bert.failures, std::vector<std::wstring>{});
+}
+
+}  // namespace
+}  // namespace tavrine::testing
