@@ -76,6 +76,42 @@ suite() {
 suite linux
 suite linux-asan -DTAVRINE_SANITIZE=ON
 
+# --- valgrind on a representative subset of the native suite ----------------
+# Each program counts as one test. The missing-program case is left out: under
+# valgrind a failed exec in the child is not reported the same way.
+valgrind_step() {
+  local name=$1; shift
+  local program="$BUILD/linux/bin/$name"
+  say "valgrind $name"
+  if [[ ! -x $program ]]; then
+    total_failed=$((total_failed + 1)); status=1; return
+  fi
+  if (cd "$BUILD/linux" && timeout 900 valgrind --tool=memcheck --error-exitcode=99 --leak-check=full \
+        --errors-for-leak-kinds=definite --suppressions="$ROOT/tests/hardening/valgrind.supp" -q \
+        "$program" --gtest_brief=1 "$@") >"$LOGS/valgrind-$name.log" 2>&1; then
+    total_passed=$((total_passed + 1))
+  else
+    grep -E "^==[0-9]+== [A-Z]|FAILED" "$LOGS/valgrind-$name.log" | head -n 20
+    echo "valgrind $name failed (log: $LOGS/valgrind-$name.log)" >&2
+    total_failed=$((total_failed + 1)); status=1
+  fi
+}
+tavrine_install_packages valgrind || status=1
+valgrind_step foundation_tests
+valgrind_step engine_tests --gtest_filter=-EngineRunTest.AMissingProgramIsNotWaitedFor
+
+# --- fuzz targets: bounded runs on the checked-in corpora --------------------
+say "fuzzing"
+TAVRINE_BUILD_ROOT="${TAVRINE_BUILD_ROOT:-build}" "$ROOT/scripts/fuzz.sh" 20 2>&1 | tee "$LOGS/fuzz.log"
+fuzz_line=$(tail -n 1 "$LOGS/fuzz.log")
+if [[ $fuzz_line =~ ^([0-9]+)\ passed,\ ([0-9]+)\ failed$ ]]; then
+  total_passed=$((total_passed + BASH_REMATCH[1]))
+  total_failed=$((total_failed + BASH_REMATCH[2]))
+  ((BASH_REMATCH[2] == 0)) || status=1
+else
+  total_failed=$((total_failed + 1)); status=1
+fi
+
 # No display for the Windows run: message boxes return at once instead of waiting.
 unset DISPLAY
 if [[ ! -f "$WINEPREFIX/system.reg" ]]; then

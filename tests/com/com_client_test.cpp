@@ -8,7 +8,9 @@
 
 #include <filesystem>
 #include <fstream>
+#include <atomic>
 #include <sstream>
+#include <thread>
 #include <string>
 #include <vector>
 
@@ -423,6 +425,56 @@ TEST_F(ComTest, embedded_type_library_matches_the_golden_listing) {
     if (!has_actual && !has_golden) break;
     ASSERT_EQ(has_actual ? actual_line : "<end>", has_golden ? golden_line : "<end>") << "line " << number;
   }
+}
+
+// Two apartment threads at once, each creating and releasing every class many
+// times and asking each enumeration for its user: no object, lock, handle or
+// window resource may outlive them (the fixture then checks DllCanUnloadNow).
+TEST_F(ComTest, two_apartment_threads_create_and_release_many_objects) {
+  const DWORD handles_before = [] {
+    DWORD count = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &count);
+    return count;
+  }();
+  const DWORD gdi_before = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+  const DWORD user_before = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS);
+  std::atomic<int> failures{0};
+  auto apartment = [&failures] {
+    if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {
+      ++failures;
+      return;
+    }
+    for (int round = 0; round < 25; ++round) {
+      for (const ClassRow& row : kClassRows) {
+        ComPtr<IDispatch> object;
+        if (CoCreateInstance(*row.clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, object.put_void()) != S_OK)
+          ++failures;
+      }
+      ComPtr<_TavrinEenum> enumeration;
+      if (CoCreateInstance(CLSID_TavrinEenum, nullptr, CLSCTX_INPROC_SERVER, IID__TavrinEenum,
+                           enumeration.put_void()) != S_OK) {
+        ++failures;
+        continue;
+      }
+      BSTR user = nullptr;
+      VARIANT result;
+      VariantInit(&result);
+      if (FAILED(enumeration->W_GetCurrentUser(&user, &result))) ++failures;
+      VariantClear(&result);
+      SysFreeString(user);
+    }
+    CoUninitialize();
+  };
+  std::thread first(apartment), second(apartment);
+  first.join();
+  second.join();
+  EXPECT_EQ(failures.load(), 0);
+  DWORD handles_after = 0;
+  GetProcessHandleCount(GetCurrentProcess(), &handles_after);
+  // Thread start-up may cache a handle or two; a leak per object would be hundreds.
+  EXPECT_LE(handles_after, handles_before + 8);
+  EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS), gdi_before);
+  EXPECT_LE(GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS), user_before);
 }
 
 }  // namespace
