@@ -77,12 +77,11 @@ if [[ -n $SHOTS ]]; then
     write_configuration "$language"
     png="$SHOTS/login_$( [[ $language == German ]] && echo de || echo en ).png"
     rm -f "$png"
-    # A wineserver started without a display has no window driver: let it end
-    # first, and end it again before the private display goes away.
-    wineserver -w
-    out=$(cd "$INSTALL" && "$ROOT/tests/dialogs/win32/run_with_display.sh" bash -c \
-            '"$0" tavrine-com-demo.exe screenshot-login "$1"; rc=$?; wineserver -w; exit $rc' \
-            "$WINE" "$(winpath "$png")" 2>&1 | tr -d '\r')
+    # A desktop of its own: the prefix's default desktop may belong to a
+    # wineserver started without a display, which has no window driver.
+    out=$(cd "$INSTALL" && timeout 120 "$ROOT/tests/dialogs/win32/run_with_display.sh" \
+            "$WINE" explorer /desktop=TavrinEDemo,1024x768 tavrine-com-demo.exe screenshot-login "$(winpath "$png")" \
+            2>&1 | tr -d '\r')
     echo "$out"
     if [[ -s $png ]]; then
       echo "STEP screenshot-$language ok $png ($(stat -c %s "$png") bytes)"
