@@ -66,6 +66,12 @@ std::wstring FixedEngineProgram() { return EngineProgramPath(L"TavrinEClient.exe
 std::unique_ptr<platform::RunningProcess> StartEngine(const std::wstring& program, int code,
                                                       const std::wstring& folder) {
   std::wstring parameters = EngineParameters(code, folder);
+  // An empty program name leaves the application folder itself; the shell
+  // would open it in a browser window that never ends instead of failing.
+  if (foundation::FolderExists(program)) {
+    foundation::Trace(L"Engine could not be started: no program file at " + program);
+    return nullptr;
+  }
   auto process =
       platform::CurrentLauncher().Start(program, parameters, platform::ModuleFolder());
   if (!process) foundation::Trace(L"Engine could not be started: " + program + parameters);

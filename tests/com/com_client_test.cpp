@@ -320,8 +320,8 @@ TEST_F(ComTest, typed_by_reference_arguments_are_read_and_written_as_vb6_passes_
   EXPECT_EQ(kept.get(), before);
   EXPECT_EQ(kept.view(), L"unchanged");
 
-  // A long by reference on a method without a portable implementation yet:
-  // failure result, the caller's value untouched.
+  // A long by reference on a failing run: no engine program is configured
+  // here, so the upload cannot start and the caller's value stays untouched.
   ComPtr<IDispatch> backup = Create(L"TavrinEUI.CBackup");
   LONG code = 77;
   ASSERT_EQ(CallByName(backup.get(), L"W_DoBackup", {ByRefI4(&code)}, result.put()), S_OK);

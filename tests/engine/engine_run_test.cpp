@@ -51,6 +51,13 @@ TEST_F(EngineRunTest, AMissingProgramIsNotWaitedFor) {
   EXPECT_EQ(RunEngine(EngineProgramPath(L"NoSuchEngine.exe"), 114, folder_), RunEnd::kNotStarted);
 }
 
+TEST_F(EngineRunTest, AnEmptyProgramNameIsRefusedRatherThanOpeningTheFolder) {
+  foundation::CurrentSettings().client_program_name.clear();
+  EXPECT_EQ(StartEngine(ConfiguredEngineProgram(), 2, folder_), nullptr);
+  EXPECT_EQ(RunEngine(ConfiguredEngineProgram(), 2, folder_), RunEnd::kNotStarted);
+  EXPECT_TRUE(install_.Journal().empty());
+}
+
 TEST_F(EngineRunTest, AHangingEngineIsTerminatedAtTheConfiguredLimit) {
   install_.SetScenario(EngineScenario().On(114).Hang());
   foundation::CurrentSettings().engine_timeout_seconds = 1;
