@@ -4,14 +4,15 @@
 #include "foundation/settings.h"
 #include "foundation/trace_log.h"
 #include "platform/path.h"
+#include "platform/thread_slot.h"
 #include "profile/profile_store.h"
 #include "profile/safe_name.h"
 
 namespace tavrine::browsing {
 
 BrowsingState& CurrentBrowsingState() {
-  thread_local BrowsingState state;
-  return state;
+  static platform::PerThread<BrowsingState> state;
+  return state.Get();
 }
 
 bool& MultiplePcSupport() { return foundation::CurrentSettings().multiple_pc; }

@@ -5,6 +5,7 @@
 #include "platform/ini_file.h"
 #include "platform/module_folder.h"
 #include "platform/path.h"
+#include "platform/thread_slot.h"
 
 namespace tavrine::foundation {
 
@@ -30,8 +31,8 @@ std::uint32_t ReadEngineTimeout() {
 }  // namespace
 
 Settings& CurrentSettings() {
-  thread_local Settings settings;
-  return settings;
+  static platform::PerThread<Settings> settings;
+  return settings.Get();
 }
 
 std::wstring ConfigurationFilePath() {

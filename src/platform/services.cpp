@@ -1,12 +1,13 @@
 #include "platform/services.h"
 
 #include "platform/module_folder.h"
+#include "platform/thread_slot.h"
 
 namespace tavrine::platform {
 
 Services& Current() {
-  thread_local Services services;
-  return services;
+  static PerThread<Services> services;
+  return services.Get();
 }
 
 Clock& CurrentClock() {
