@@ -42,6 +42,7 @@ constexpr const wchar_t* kReportsFolder = L"HOMEPC\\C:\\Documents\\Reports";
 constexpr const wchar_t* kMusicFolder = L"HOMEPC\\D:\\Music\\";
 constexpr const wchar_t* kDeletedName = L"Caf\u00e9 del Mar.txt";
 constexpr DWORD kEngineWaitMs = 120000;
+constexpr LONG kCancelled = 401;
 
 // A COM call that failed outright (not a product result code): ends the step.
 class CallFailed : public std::runtime_error {
@@ -278,6 +279,9 @@ class Story {
     Step(L"restore", L"CRestore.W_Restore, then wait on its handle", [&] { return Restore(); });
     Step(L"delete", L"UICommands.W_DeleteRemoteFiles", [&] { return Delete(); });
     Step(L"backup", L"CBackup.W_BackupInit / W_DoBackup, twice", [&] { return Backup(); });
+    Step(L"schedule", L"CBackup with a scheduled backup running: paused, then resumed", [&] { return Schedule(); });
+    Step(L"cancel", L"CBackup cancelled before the compare and before the upload", [&] { return Cancel(); });
+    Step(L"firewall", L"clsAPI_Interface.API_FirewallSettings", [&] { return Firewall(); });
     Step(L"messages", L"UICommands.W_GetMessageString / W_GetMessageInfo", [&] { return Messages(); });
     int failed = 0;
     for (bool ok : outcomes_) failed += ok ? 0 : 1;
@@ -492,8 +496,11 @@ class Story {
     return {ok, std::wstring(kDeletedName) + (ok ? L" gone from the listing and the vault" : L" still there")};
   }
 
-  // One manual backup of `local`: compare, upload, wait for the engine.
-  LONG BackupOnce(const std::wstring& local, const fs::path& temp) {
+  // One manual backup of `local`: compare, upload, wait for the engine. The
+  // shell side's moment between the compare and the upload is `between`
+  // (a false from it cancels the backup there, as the user's button would).
+  LONG BackupOnce(const std::wstring& local, const fs::path& temp,
+                  const std::function<bool()>& between = [] { return true; }) {
     fs::create_directories(temp);
     if (!WriteUtf16Lines(temp / L"InputList.txt", {local})) return -1;
     ComPtr<_CBackup> backup = Create<_CBackup>(L"TavrinEUI.CBackup", IID__CBackup);
@@ -502,11 +509,12 @@ class Story {
     Check(backup->W_BackupInit(0, temp_text.get(), &compared), "W_BackupInit");
     if (compared != 1) {
       backup->W_BackupExitInstance(&ignored);
-      return compared == 0 ? 0 : -1;
+      return compared == 0 || compared == kCancelled ? compared : -1;
     }
+    if (!between()) WriteBytes(temp / L"cancel.txt", "");
     LONG completed = 0, started = -1;
     Check(backup->W_DoBackup(&completed, &started), "W_DoBackup");
-    LONG code = -1;
+    LONG code = started == kCancelled ? kCancelled : -1;
     if (started == 1) {
       // The profile's TavrinEClientPID is what API_ENTRY returned: the upload
       // engine's process handle, now ours to wait on and close.
@@ -551,6 +559,137 @@ class Story {
     return {ok, L"notes.txt now v" + std::to_wstring(versions.empty() ? 0 : versions.front().number) + L" (" +
                     std::to_wstring(versions.empty() ? 0 : versions.front().size) + L" bytes), restored bytes " +
                     (back == changed ? L"match" : L"DIFFER")};
+  }
+
+  // <work root><installation name><user>: where the scheduler and the
+  // library leave each other their notes. The work root is the DLL's folder
+  // unless UserName.ini names another.
+  fs::path WorkRoot() {
+    wchar_t module[MAX_PATH] = {};
+    GetModuleFileNameW(GetModuleHandleW(L"TavrinEUI.dll"), module, MAX_PATH);
+    const fs::path install = fs::path(module).parent_path();
+    wchar_t virtual_path[MAX_PATH] = {};
+    GetPrivateProfileStringW(L"Registry", L"VirtualPath", L"", virtual_path, MAX_PATH,
+                             (install / L"UserName.ini").c_str());
+    return virtual_path[0] ? fs::path(virtual_path) : install;
+  }
+  std::wstring InstallationName() {
+    wchar_t module[MAX_PATH] = {};
+    GetModuleFileNameW(GetModuleHandleW(L"TavrinEUI.dll"), module, MAX_PATH);
+    wchar_t name[MAX_PATH] = {};
+    GetPrivateProfileStringW(L"ProductInfo", L"ProductInstallationName", L"", name, MAX_PATH,
+                             (fs::path(module).parent_path() / L"Configuration.ini").c_str());
+    return name;
+  }
+  fs::path AccountFolder() {
+    fs::path folder = WorkRoot().wstring();
+    if (!folder.wstring().empty() && folder.wstring().back() != L'\\') folder += L"\\";
+    return fs::path(folder.wstring() + InstallationName() + kUser);
+  }
+  bool ScheduleRunning(_CBackup* backup) {
+    UniqueBstr user = MakeBstr(kUser);
+    VARIANT_BOOL running = VARIANT_FALSE;
+    Check(backup->IsScheduleBackupRunning(user.get(), &running), "IsScheduleBackupRunning");
+    return running != VARIANT_FALSE;
+  }
+  static std::wstring YesNo(bool value) { return value ? L"yes" : L"no"; }
+
+  // The scheduler is played by hand: it writes scheduleData.txt, and answers
+  // the pause request by writing "0" there until the request is gone.
+  Verdict Schedule() {
+    const fs::path account = AccountFolder();
+    fs::create_directories(account);
+    const fs::path data = account / L"scheduleData.txt";
+    const fs::path status = account / L"schedulerStatus.txt";
+    const std::string scheduled_run = "4711\r\nnightly backup 02:00\r\n";
+    WriteBytes(data, scheduled_run);
+    ComPtr<_CBackup> observer = Create<_CBackup>(L"TavrinEUI.CBackup", IID__CBackup);
+    const bool running_before = ScheduleRunning(observer.get());
+
+    const fs::path local = work_ / L"local" / L"notes.txt";
+    const std::string third = ReadBytes(local) + "notes, a third line written during the night\r\n";
+    WriteBytes(local, third);
+    std::string request;
+    std::wstring upload_flag_during;
+    bool paused = false;
+    const LONG code = BackupOnce(local.wstring(), work_ / L"temp-backup-3", [&] {
+      request = ReadBytes(status);
+      upload_flag_during = Profile(L"UPLOAD");
+      WriteBytes(data, "0\r\nnightly backup 02:00\r\n");  // the scheduler holds still
+      paused = !ScheduleRunning(observer.get());
+      return true;
+    });
+    const bool request_gone = !fs::exists(status);
+    const std::wstring upload_flag_after = Profile(L"UPLOAD");
+    if (request_gone) WriteBytes(data, scheduled_run);  // the scheduler goes on
+    const bool running_after = ScheduleRunning(observer.get());
+    std::error_code error;
+    fs::remove(data, error);
+
+    Say(L"   scheduleData.txt: run 4711 \"nightly backup 02:00\"; IsScheduleBackupRunning -> " + YesNo(running_before));
+    Say(L"   after W_BackupInit: schedulerStatus.txt = \"" + Wide(request.substr(0, request.find("\r\n"))) +
+        L" | 4711 | ...\", UPLOAD = " + upload_flag_during + L", scheduler paused: " + YesNo(paused));
+    Say(L"   upload -> " + std::to_wstring(code) + L"; after W_BackupExitInstance: schedulerStatus.txt " +
+        (request_gone ? L"gone" : L"STILL THERE") + L", UPLOAD = " + upload_flag_after +
+        L", scheduler running again: " + YesNo(running_after));
+    const bool ok = running_before && request == "PAUSE\r\n4711\r\nnightly backup 02:00\r\n" &&
+                    upload_flag_during == L"TRUE" && paused && code == 402 && request_gone &&
+                    upload_flag_after != L"TRUE" && running_after;
+    return {ok, L"scheduled run 4711 paused during the upload (" + std::to_wstring(code) + L"), resumed after"};
+  }
+
+  // Cancel twice: cancel.txt already there when the compare starts, and
+  // written by the user between the compare and the upload.
+  Verdict Cancel() {
+    const fs::path local = work_ / L"local" / L"draft.txt";
+    WriteBytes(local, "a draft never to be uploaded\r\n");
+    const fs::path early = work_ / L"temp-cancel-1";
+    fs::create_directories(early);
+    WriteBytes(early / L"cancel.txt", "");
+    const LONG before_compare = BackupOnce(local.wstring(), early);
+    const LONG before_upload = BackupOnce(local.wstring(), work_ / L"temp-cancel-2", [] { return false; });
+    const std::wstring upload_started = Profile(L"IsUploadStarted");
+    const std::wstring upload_flag = Profile(L"UPLOAD");
+    const bool in_vault = fs::exists(VaultNode(vault_, kComputer, local.wstring()));
+    const bool pause_left = fs::exists(AccountFolder() / L"schedulerStatus.txt");
+    Say(L"   cancel.txt before the compare: W_BackupInit -> " + std::to_wstring(before_compare));
+    Say(L"   cancel.txt before the upload:  W_DoBackup -> " + std::to_wstring(before_upload) +
+        L"; IsUploadStarted = " + upload_started + L", UPLOAD = " + upload_flag + L", in the vault: " +
+        YesNo(in_vault) + L", pause request left: " + YesNo(pause_left));
+    const bool ok = before_compare == kCancelled && before_upload == kCancelled && upload_started != L"TRUE" &&
+                    upload_flag != L"TRUE" && !in_vault && !pause_left;
+    return {ok, L"401 before the compare, 401 before the upload, nothing uploaded"};
+  }
+
+  // The probe starts the engine without waiting; the engine leaves the marker
+  // "<installation>Client.txt" when it got through. While the marker stands,
+  // a probe runs nothing.
+  Verdict Firewall() {
+    ComPtr<_clsAPI_Interface> api = Create<_clsAPI_Interface>(L"TavrinEUI.clsAPI_Interface", IID__clsAPI_Interface);
+    fs::path root = WorkRoot().wstring();
+    const fs::path marker = fs::path(root.wstring() + (root.wstring().back() == L'\\' ? L"" : L"\\") +
+                                     InstallationName() + L"Client.txt");
+    std::error_code error;
+    fs::remove(marker, error);
+    LONG first = -1;
+    Check(api->API_FirewallSettings(&first), "API_FirewallSettings");
+    // A 1 means the engine was already through when the probe looked, and
+    // the probe took the marker away.
+    bool marked = first == 1 || fs::exists(marker);
+    for (int waited = 0; !marked && waited < 300; ++waited) {
+      Sleep(100);
+      marked = fs::exists(marker);
+    }
+    LONG second = -1;
+    Check(api->API_FirewallSettings(&second), "API_FirewallSettings");
+    const bool kept = fs::exists(marker);
+    fs::remove(marker, error);
+    Say(L"   first probe -> " + std::to_wstring(first) + L"; " + marker.filename().wstring() + L" written by the engine: " +
+        YesNo(marked) + L"; second probe -> " + std::to_wstring(second) + L" (nothing run, marker kept: " +
+        YesNo(kept) + L")");
+    const bool ok = first == 1 || (first == 0 && marked && second == 0 && kept);
+    return {ok, L"the engine got through: " + YesNo(marked) + L", probes " + std::to_wstring(first) + L", " +
+                    std::to_wstring(second)};
   }
 
   Verdict Messages() {

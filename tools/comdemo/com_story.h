@@ -5,7 +5,8 @@ namespace tavrine::comdemo {
 
 // The demo's story through the registered TavrinEUI.dll, by COM only, against
 // the sample vault: log in as anna, quota, browse, versions, restore, delete,
-// back up, message texts. `work` is a scratch folder (Windows path), `vault`
+// back up (also with a scheduled backup to pause, and cancelled), the firewall
+// probe, message texts. `work` is a scratch folder (Windows path), `vault`
 // the sample vault the engine serves (read to check the answers). Prints each
 // step and a "STEP <name> ok|FAILED <figures>" line; true when all passed.
 bool RunStory(const std::wstring& work, const std::wstring& vault);
