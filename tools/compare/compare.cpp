@@ -3,14 +3,13 @@
 // compares the request's local items against the remote listing.
 #include <algorithm>
 #include <chrono>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 #include <thread>
 #include <utility>
 
 #include "compare_os.h"
 #include "compare_text.h"
+#include "tool_files.h"
 
 namespace tavrine::refcompare {
 
@@ -33,25 +32,8 @@ struct Action {
 };
 using Answer = std::vector<Action>;
 
-std::optional<std::string> ReadWholeFile(const fs::path& file) {
-  std::error_code ec;
-  if (!fs::is_regular_file(file, ec)) return std::nullopt;
-  std::ifstream in(file, std::ios::binary);
-  if (!in) return std::nullopt;
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-// Never creates the exchange folder: with a missing folder nothing is written.
-void WriteWholeFile(const fs::path& file, const std::string& bytes, bool append = false) {
-  std::ofstream out(file, std::ios::binary | (append ? std::ios::app : std::ios::trunc));
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
-
-std::string Trim(std::string_view text) {
-  std::size_t begin = text.find_first_not_of(" \t");
-  if (begin == std::string_view::npos) return {};
-  return std::string(text.substr(begin, text.find_last_not_of(" \t") - begin + 1));
-}
+using reftools::ReadWholeFile;
+using reftools::WriteWholeFile;
 
 std::optional<long long> Number(const std::string& text) {
   try {
@@ -124,14 +106,15 @@ void Consider(const std::string& local, const std::map<std::string, RemoteEntry>
     lists->not_to_backup.push_back(local);
     return;
   }
-  auto entry = listing.find(FoldCase(RemoteForm(local)));
+  auto entry = listing.find(AsciiLower(RemoteForm(local)));
   if (entry == listing.end()) {
     lists->to_backup.push_back(local);
     return;
   }
   auto size = fs::file_size(path, ec);
   auto written = fs::last_write_time(path, ec);
-  std::string date = ec ? "" : FormatListingDate(std::chrono::file_clock::to_sys(written));
+  std::string date =
+      ec ? "" : FormatDate(std::chrono::floor<std::chrono::seconds>(std::chrono::file_clock::to_sys(written)));
   bool same = !ec && static_cast<long long>(size) == entry->second.size && date == entry->second.date;
   (same ? lists->not_to_backup : lists->to_backup).push_back(local);
 }

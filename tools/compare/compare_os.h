@@ -1,17 +1,14 @@
 #pragma once
-#include <filesystem>
 #include <string>
 
-// The few things the reference compare program needs from the OS. Text
-// crosses this seam as UTF-8 on every platform.
+#include "tool_os.h"
+
 namespace tavrine::refcompare {
 
-std::filesystem::path ProgramPath();
-std::filesystem::path PathFromUtf8(const std::string& utf8);
-std::string Utf8FromPath(const std::filesystem::path& path);
-
-// Ends the process at once with exit code 3, as a crash would.
-[[noreturn]] void ExitAbnormally();
+using reftools::ExitAbnormally;
+using reftools::PathFromUtf8;
+using reftools::ProgramPath;
+using reftools::Utf8FromPath;
 
 // The portable program; `parameter_text` is the command line after the program name.
 int RunCompareProgram(const std::string& parameter_text);

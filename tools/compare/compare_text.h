@@ -1,13 +1,20 @@
 #pragma once
-#include <chrono>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "tool_text.h"
+
 // Text handling of the reference compare program; internally UTF-8.
 namespace tavrine::refcompare {
+
+using reftools::AsciiLower;
+using reftools::FormatDate;
+using reftools::HexBytes;
+using reftools::SplitLines;
+using reftools::Trim;
 
 // "<folder><mode>": the folder between the first '<' and the '>' before the
 // last "<...>"; a text with one bracket pair only has an empty mode.
@@ -21,26 +28,18 @@ std::optional<Invocation> ParseParameters(std::string_view text);
 std::string DecodeTextFile(std::string_view bytes);
 // UTF-16LE with BOM and CR LF after each line.
 std::string EncodeUtf16Lines(const std::vector<std::string>& lines);
-// Lines ended by CR, LF or CR LF; a last line without an end counts.
-std::vector<std::string> SplitLines(std::string_view text);
 
 // One remote entry of Backupfile.txt: "path/versions/size/MM-DD-YYYY HH:MM:SS[/flag]/mode".
 struct RemoteEntry {
   long long size = -1;
   std::string date;
 };
-// Entries keyed by FoldCase(path); the list ends at a line shorter than 3
+// Entries keyed by AsciiLower(path); the list ends at a line shorter than 3
 // characters after trimming; lines with too few fields are skipped.
 std::map<std::string, RemoteEntry> ParseListing(std::string_view text);
 
-// ASCII letters lowered: remote paths compare without regard to case.
-std::string FoldCase(std::string text);
 // The remote form of a local path: every '/' turned into '\'.
 std::string RemoteForm(std::string local);
-// "MM-DD-YYYY HH:MM:SS" in UTC, as the listing writes its dates.
-std::string FormatListingDate(std::chrono::system_clock::time_point time);
-
-std::string HexBytes(std::string_view bytes);
 // '%', tab, CR, LF and other control bytes as %XX.
 std::string EscapeField(std::string_view text);
 

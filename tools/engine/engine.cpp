@@ -2,7 +2,6 @@
 // scenario's next answer for the command code.
 #include <chrono>
 #include <fstream>
-#include <iterator>
 #include <set>
 #include <system_error>
 #include <thread>
@@ -10,6 +9,7 @@
 #include "engine_os.h"
 #include "journal.h"
 #include "scenario.h"
+#include "tool_files.h"
 #include "vault_service.h"
 #include "vault_text.h"
 
@@ -25,12 +25,7 @@ constexpr char kJournalName[] = "engine-journal.txt";
 constexpr const char* kRequestFiles[] = {"DLLInput.txt", "restdestdir.txt", "InputDelete.txt",
                                          "MPC.ini"};
 
-// Never creates the exchange folder: an engine started on a missing folder
-// leaves nothing behind.
-void WriteWholeFile(const fs::path& file, const std::string& bytes, bool append) {
-  std::ofstream out(file, std::ios::binary | (append ? std::ios::app : std::ios::trunc));
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
+using reftools::WriteWholeFile;
 
 void AppendJournal(const fs::path& journal, const std::string& line) {
   std::ofstream out(journal, std::ios::binary | std::ios::app);

@@ -1,5 +1,7 @@
 #include "journal.h"
 
+#include "tool_text.h"
+
 namespace tavrine::refengine {
 
 namespace {
@@ -23,17 +25,6 @@ std::string EscapeText(std::string_view text) {
   return escaped;
 }
 
-std::string Hex(std::string_view bytes) {
-  std::string hex;
-  hex.reserve(bytes.size() * 2);
-  for (char c : bytes) {
-    auto byte = static_cast<unsigned char>(c);
-    hex += kHexDigits[byte >> 4];
-    hex += kHexDigits[byte & 0xF];
-  }
-  return hex;
-}
-
 }  // namespace
 
 std::string FormatJournalLine(const JournalRecord& record) {
@@ -44,7 +35,7 @@ std::string FormatJournalLine(const JournalRecord& record) {
   line += "\tcwd=" + EscapeText(record.cwd);
   line += "\tparams=" + EscapeText(record.params);
   for (const auto& [name, bytes] : record.files)
-    line += "\t" + EscapeText(name) + "=" + (bytes ? Hex(*bytes) : std::string("-"));
+    line += "\t" + EscapeText(name) + "=" + (bytes ? reftools::HexBytes(*bytes) : std::string("-"));
   line += "\tnote=" + EscapeText(record.note);
   return line + "\n";
 }

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <system_error>
 
@@ -18,41 +17,15 @@ namespace fs = std::filesystem;
 
 constexpr char kHex[] = "0123456789ABCDEF";
 
-void AppendUtf8(std::string& out, char32_t c) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | (c >> 6));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    out += static_cast<char>(0xE0 | (c >> 12));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (c >> 18));
-    out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  }
-}
+using reftools::AppendUtf16Le;
+using reftools::AppendUtf8;
+using reftools::DecodeUtf16Le;
 
 // nullopt when the bytes are not well-formed UTF-8.
 std::optional<std::u32string> DecodeUtf8(std::string_view text) {
-  std::u32string out;
-  for (std::size_t i = 0; i < text.size();) {
-    auto b = static_cast<unsigned char>(text[i]);
-    int extra = b < 0x80 ? 0 : (b & 0xE0) == 0xC0 ? 1 : (b & 0xF0) == 0xE0 ? 2 : (b & 0xF8) == 0xF0 ? 3 : -1;
-    if (extra < 0 || (extra > 0 && i + static_cast<std::size_t>(extra) >= text.size()))
-      return std::nullopt;
-    char32_t c = extra == 0 ? b : (b & (0x3F >> extra));
-    for (int k = 1; k <= extra; ++k) {
-      auto next = static_cast<unsigned char>(text[i + static_cast<std::size_t>(k)]);
-      if ((next & 0xC0) != 0x80) return std::nullopt;
-      c = (c << 6) | (next & 0x3F);
-    }
-    out += c;
-    i += static_cast<std::size_t>(extra) + 1;
-  }
+  bool well_formed = true;
+  std::u32string out = reftools::DecodeUtf8(text, &well_formed);
+  if (!well_formed) return std::nullopt;
   return out;
 }
 
@@ -188,41 +161,15 @@ class Sha256 {
 }  // namespace
 
 std::string Utf8FromUtf16Le(std::string_view bytes) {
-  std::size_t i = 0;
-  if (bytes.size() >= 2 && bytes[0] == '\xFF' && bytes[1] == '\xFE') i = 2;
+  if (bytes.size() >= 2 && bytes[0] == '\xFF' && bytes[1] == '\xFE') bytes.remove_prefix(2);
   std::string out;
-  auto unit = [&](std::size_t at) {
-    return static_cast<char32_t>(static_cast<unsigned char>(bytes[at]) |
-                                 (static_cast<unsigned char>(bytes[at + 1]) << 8));
-  };
-  for (; i + 1 < bytes.size(); i += 2) {
-    char32_t c = unit(i);
-    if (c >= 0xD800 && c < 0xDC00 && i + 3 < bytes.size() && unit(i + 2) >= 0xDC00 &&
-        unit(i + 2) < 0xE000) {
-      c = 0x10000 + ((c - 0xD800) << 10) + (unit(i + 2) - 0xDC00);
-      i += 2;
-    } else if (c >= 0xD800 && c < 0xE000) {
-      c = 0xFFFD;
-    }
-    AppendUtf8(out, c);
-  }
+  for (char32_t c : DecodeUtf16Le(bytes)) AppendUtf8(out, c >= 0xD800 && c < 0xE000 ? U'\uFFFD' : c);
   return out;
 }
 
 std::string Utf16LeFromUtf8(std::string_view utf8) {
   std::string out = "\xFF\xFE";
-  auto put = [&](char32_t u) {
-    out += static_cast<char>(u & 0xFF);
-    out += static_cast<char>((u >> 8) & 0xFF);
-  };
-  for (char32_t c : DecodeUtf8(utf8).value_or(std::u32string())) {
-    if (c >= 0x10000) {
-      put(0xD800 + ((c - 0x10000) >> 10));
-      put(0xDC00 + ((c - 0x10000) & 0x3FF));
-    } else {
-      put(c);
-    }
-  }
+  for (char32_t c : DecodeUtf8(utf8).value_or(std::u32string())) AppendUtf16Le(out, c);
   return out;
 }
 
@@ -235,37 +182,10 @@ std::string DecodeAnyText(std::string_view bytes) {
   return out;
 }
 
-std::vector<std::string> SplitLines(std::string_view text) {
-  std::vector<std::string> lines;
-  std::size_t start = 0;
-  while (start < text.size()) {
-    std::size_t end = text.find_first_of("\r\n", start);
-    if (end == std::string_view::npos) end = text.size();
-    lines.emplace_back(text.substr(start, end - start));
-    if (end + 1 < text.size() && text[end] == '\r' && text[end + 1] == '\n') ++end;
-    start = end + 1;
-  }
-  return lines;
-}
-
 std::string Unshift(std::string_view utf8) { return MoveCodes(utf8, -2); }
 std::string Shift(std::string_view utf8) { return MoveCodes(utf8, 2); }
 
-std::string AsciiLower(std::string_view text) {
-  std::string out(text);
-  for (char& c : out)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return out;
-}
-
 bool SameText(std::string_view a, std::string_view b) { return AsciiLower(a) == AsciiLower(b); }
-
-std::string Trim(std::string_view text) {
-  std::size_t begin = text.find_first_not_of(" \t");
-  if (begin == std::string_view::npos) return {};
-  std::size_t end = text.find_last_not_of(" \t");
-  return std::string(text.substr(begin, end - begin + 1));
-}
 
 std::string EncodeName(std::string_view name) {
   if (name.empty()) return "%";
@@ -329,19 +249,6 @@ std::string LocalName(std::string_view name) {
   return out;
 }
 
-std::string FormatDate(SysSeconds time) {
-  using namespace std::chrono;
-  auto day = floor<days>(time);
-  year_month_day date{day};
-  hh_mm_ss<seconds> clock{time - day};
-  char text[32];
-  std::snprintf(text, sizeof text, "%02u-%02u-%04d %02d:%02d:%02d",
-                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(date.year()), static_cast<int>(clock.hours().count()),
-                static_cast<int>(clock.minutes().count()), static_cast<int>(clock.seconds().count()));
-  return text;
-}
-
 std::optional<SysSeconds> ParseDate(std::string_view text) {
   using namespace std::chrono;
   unsigned month = 0, day = 0;
@@ -388,14 +295,6 @@ bool SecretMatches(std::string_view stored, std::string_view secret) {
   std::size_t colon = rest.find(':');
   if (colon == std::string_view::npos) return false;
   return Sha256Hex(std::string(rest.substr(0, colon)) + std::string(secret)) == rest.substr(colon + 1);
-}
-
-std::optional<std::string> ReadWholeFile(const fs::path& file) {
-  std::error_code ec;
-  if (!fs::is_regular_file(file, ec)) return std::nullopt;
-  std::ifstream in(file, std::ios::binary);
-  if (!in) return std::nullopt;
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
 fs::path TempSibling(const fs::path& target) {
