@@ -226,7 +226,7 @@ void DialogBase::Focus(int id, bool select_all) {
 
 void DialogBase::Enable(int id, bool enabled) { EnableWindow(Item(id), enabled); }
 
-void DialogBase::OpenHelpTopic(const wchar_t* topic) {
+void OpenHelpTopic(const wchar_t* topic) {
   OpenWithShell(L"hh.exe", foundation::JoinPath(platform::ModuleFolder(), topic));
 }
 

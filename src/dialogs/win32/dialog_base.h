@@ -87,7 +87,6 @@ class DialogBase {
   void End(INT_PTR result) { EndDialog(hwnd_, result); }
   // Link labels: blue text and the hand cursor.
   void AddLink(int id) { links_.push_back(id); }
-  static void OpenHelpTopic(const wchar_t* topic);
 
   clsToolTip tips_;
   HoverButtons hover_;
@@ -104,5 +103,7 @@ class DialogBase {
 
 // Opens an address with the shell; its result (above 32: opened).
 std::intptr_t OpenWithShell(const std::wstring& target, const std::wstring& parameters = L"");
+// Opens a topic of the help file in the application folder with hh.exe.
+void OpenHelpTopic(const wchar_t* topic);
 
 }  // namespace tavrine::dialogs::win32

@@ -6,8 +6,22 @@
 namespace tavrine::dialogs::win32 {
 
 namespace {
+
 constexpr std::size_t kKeyFieldLimit = 1024;  // the 255 rule is the presenter's
+
+// Both key dialogs answer the same commands; only their continue button differs.
+template <typename Presenter>
+void KeyDialogCommand(Presenter& presenter, int continue_id, int id, int notification) {
+  if (id == continue_id || id == IDOK) {
+    presenter.OnContinue();
+  } else if (id == IDC_IDCancel || id == IDCANCEL) {
+    presenter.OnClose();
+  } else if (id == IDC_lblHelp && notification == STN_CLICKED) {
+    OpenHelpTopic(kFeaturesHelpTopic);
+  }
 }
+
+}  // namespace
 
 EncKeyOptionDialog::EncKeyOptionDialog() : DialogBase(IDD_frmEncKeyOption), presenter_(*this) {}
 
@@ -53,21 +67,7 @@ int EncKeyOptionDialog::OnInit() {
 }
 
 void EncKeyOptionDialog::OnCommand(int id, int notification) {
-  switch (id) {
-    case IDC_Enc_Option_Next:
-    case IDOK:
-      presenter_.OnContinue();
-      return;
-    case IDC_IDCancel:
-    case IDCANCEL:
-      presenter_.OnClose();
-      return;
-    case IDC_lblHelp:
-      if (notification == STN_CLICKED) OpenHelpTopic(kFeaturesHelpTopic);
-      return;
-    default:
-      return;
-  }
+  KeyDialogCommand(presenter_, IDC_Enc_Option_Next, id, notification);
 }
 
 bool EncKeyOptionDialog::DefaultKeySelected() { return Checked(IDC_DefaultKey); }
@@ -104,21 +104,7 @@ int EncryptionPsdDialog::OnInit() {
 }
 
 void EncryptionPsdDialog::OnCommand(int id, int notification) {
-  switch (id) {
-    case IDC_IDReg:
-    case IDOK:
-      presenter_.OnContinue();
-      return;
-    case IDC_IDCancel:
-    case IDCANCEL:
-      presenter_.OnClose();
-      return;
-    case IDC_lblHelp:
-      if (notification == STN_CLICKED) OpenHelpTopic(kFeaturesHelpTopic);
-      return;
-    default:
-      return;
-  }
+  KeyDialogCommand(presenter_, IDC_IDReg, id, notification);
 }
 
 std::wstring EncryptionPsdDialog::Key() { return Text(IDC_txtEncPsd); }
