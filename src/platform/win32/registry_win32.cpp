@@ -49,6 +49,39 @@ bool CreateKey(const std::wstring& key_path, UniqueHkey& key) {
 
 bool Gone(LSTATUS status) { return status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND; }
 
+enum class Listed { kSubkeys, kValues };
+
+// The names of a key's subkeys or of its values; empty when the key is missing.
+std::vector<std::wstring> ListNames(const std::wstring& key_path, Listed listed) {
+  const bool values = listed == Listed::kValues;
+  std::vector<std::wstring> names;
+  UniqueHkey key;
+  if (!OpenKey(key_path, KEY_READ, key)) return names;
+  DWORD longest = 0;
+  if (RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, nullptr, values ? nullptr : &longest,
+                       nullptr, nullptr, values ? &longest : nullptr, nullptr, nullptr,
+                       nullptr) != ERROR_SUCCESS) {
+    return names;
+  }
+  std::wstring buffer(longest + 2, L'\0');
+  for (DWORD index = 0;; ++index) {
+    DWORD length = static_cast<DWORD>(buffer.size());
+    LSTATUS status =
+        values ? RegEnumValueW(key.get(), index, buffer.data(), &length, nullptr, nullptr, nullptr,
+                               nullptr)
+               : RegEnumKeyExW(key.get(), index, buffer.data(), &length, nullptr, nullptr, nullptr,
+                               nullptr);
+    if (status == ERROR_MORE_DATA) {
+      buffer.resize(buffer.size() * 2);
+      --index;
+      continue;
+    }
+    if (status != ERROR_SUCCESS) break;
+    names.emplace_back(buffer.data(), length);
+  }
+  return names;
+}
+
 class WindowsRegistry final : public Registry {
  public:
   std::optional<std::wstring> ReadString(const std::wstring& key_path,
@@ -126,53 +159,11 @@ class WindowsRegistry final : public Registry {
   }
 
   std::vector<std::wstring> ListSubkeys(const std::wstring& key_path) override {
-    std::vector<std::wstring> names;
-    UniqueHkey key;
-    if (!OpenKey(key_path, KEY_READ, key)) return names;
-    DWORD count = 0, longest = 0;
-    if (RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &count, &longest, nullptr,
-                         nullptr, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
-      return names;
-    }
-    std::wstring buffer(longest + 2, L'\0');
-    for (DWORD index = 0;; ++index) {
-      DWORD length = static_cast<DWORD>(buffer.size());
-      LSTATUS status = RegEnumKeyExW(key.get(), index, buffer.data(), &length, nullptr, nullptr,
-                                     nullptr, nullptr);
-      if (status == ERROR_MORE_DATA) {
-        buffer.resize(buffer.size() * 2);
-        --index;
-        continue;
-      }
-      if (status != ERROR_SUCCESS) break;
-      names.emplace_back(buffer.data(), length);
-    }
-    return names;
+    return ListNames(key_path, Listed::kSubkeys);
   }
 
   std::vector<std::wstring> ListValues(const std::wstring& key_path) override {
-    std::vector<std::wstring> names;
-    UniqueHkey key;
-    if (!OpenKey(key_path, KEY_READ, key)) return names;
-    DWORD count = 0, longest = 0;
-    if (RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &count,
-                         &longest, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
-      return names;
-    }
-    std::wstring buffer(longest + 2, L'\0');
-    for (DWORD index = 0;; ++index) {
-      DWORD length = static_cast<DWORD>(buffer.size());
-      LSTATUS status = RegEnumValueW(key.get(), index, buffer.data(), &length, nullptr, nullptr,
-                                     nullptr, nullptr);
-      if (status == ERROR_MORE_DATA) {
-        buffer.resize(buffer.size() * 2);
-        --index;
-        continue;
-      }
-      if (status != ERROR_SUCCESS) break;
-      names.emplace_back(buffer.data(), length);
-    }
-    return names;
+    return ListNames(key_path, Listed::kValues);
   }
 };
 
