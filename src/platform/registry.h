@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tavrine::platform {
@@ -41,5 +42,9 @@ class Registry {
 // `posix_file`; POSIX keeps the same tree in that ini-style file (one section
 // per key path, mode 0600, replaced atomically on every write).
 std::unique_ptr<Registry> OpenCurrentUserRegistry(const std::wstring& posix_file);
+
+// True when two key or value names are the same to the registry: without
+// regard to case (ASCII, Latin-1, Latin Extended-A, Greek and Cyrillic letters).
+bool SameRegistryName(std::wstring_view a, std::wstring_view b);
 
 }  // namespace tavrine::platform

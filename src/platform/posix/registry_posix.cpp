@@ -37,32 +37,6 @@ struct Key {
 
 using Tree = std::vector<Key>;
 
-// Simple case folding close to the registry's: ASCII, Latin-1, Latin
-// Extended-A pairs, Greek and Cyrillic capitals.
-wchar_t Fold(wchar_t c) {
-  auto v = static_cast<std::uint32_t>(c);
-  if (v >= L'A' && v <= L'Z') return static_cast<wchar_t>(v + 32);
-  if (v >= 0xC0 && v <= 0xDE && v != 0xD7) return static_cast<wchar_t>(v + 32);
-  if (v == 0x178) return static_cast<wchar_t>(0xFF);
-  if (v >= 0x100 && v <= 0x17E && v != 0x130 && v != 0x131 && v != 0x138 && v != 0x149) {
-    bool odd_is_upper = (v >= 0x139 && v <= 0x148) || (v >= 0x179 && v <= 0x17E);
-    bool lower = odd_is_upper ? (v % 2 == 0) : (v % 2 == 1);
-    return lower ? c : static_cast<wchar_t>(v + 1);
-  }
-  if (v >= 0x391 && v <= 0x3A9 && v != 0x3A2) return static_cast<wchar_t>(v + 32);
-  if (v >= 0x410 && v <= 0x42F) return static_cast<wchar_t>(v + 32);
-  if (v >= 0x400 && v <= 0x40F) return static_cast<wchar_t>(v + 80);
-  return c;
-}
-
-bool SameName(std::wstring_view a, std::wstring_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (Fold(a[i]) != Fold(b[i])) return false;
-  }
-  return true;
-}
-
 // Leading and trailing backslashes dropped; nullopt for an empty segment.
 std::optional<std::wstring> NormalizeKeyPath(const std::wstring& path) {
   std::size_t begin = path.find_first_not_of(L'\\');
@@ -81,7 +55,9 @@ std::optional<std::wstring> RelativeBelow(const std::wstring& key, const std::ws
     return key;
   }
   if (key.size() <= ancestor.size() + 1 || key[ancestor.size()] != L'\\') return std::nullopt;
-  if (!SameName(std::wstring_view(key).substr(0, ancestor.size()), ancestor)) return std::nullopt;
+  if (!SameRegistryName(std::wstring_view(key).substr(0, ancestor.size()), ancestor)) {
+    return std::nullopt;
+  }
   return key.substr(ancestor.size() + 1);
 }
 
@@ -131,14 +107,14 @@ std::wstring Unescape(std::wstring_view text) {
 
 Key* FindKey(Tree& tree, const std::wstring& path) {
   for (Key& key : tree) {
-    if (SameName(key.path, path)) return &key;
+    if (SameRegistryName(key.path, path)) return &key;
   }
   return nullptr;
 }
 
 Value* FindValue(Key& key, const std::wstring& name) {
   for (Value& value : key.values) {
-    if (SameName(value.name, name)) return &value;
+    if (SameRegistryName(value.name, name)) return &value;
   }
   return nullptr;
 }
@@ -270,7 +246,7 @@ class FileRegistry final : public Registry {
     return Modify([&](Tree& tree) {
       Key* key = FindKey(tree, *path);
       if (!key) return false;
-      std::erase_if(key->values, [&](const Value& v) { return SameName(v.name, name); });
+      std::erase_if(key->values, [&](const Value& v) { return SameRegistryName(v.name, name); });
       return true;
     });
   }
@@ -282,7 +258,7 @@ class FileRegistry final : public Registry {
     return Modify([&](Tree& tree) {
       std::size_t before = tree.size();
       std::erase_if(tree, [&](const Key& key) {
-        return SameName(key.path, *path) || RelativeBelow(key.path, *path).has_value();
+        return SameRegistryName(key.path, *path) || RelativeBelow(key.path, *path).has_value();
       });
       return tree.size() != before;
     });
@@ -292,7 +268,7 @@ class FileRegistry final : public Registry {
     std::optional<std::wstring> path = NormalizeKeyPath(key_path);
     if (!path) return false;
     for (const Key& key : Load()) {
-      if (SameName(key.path, *path) || RelativeBelow(key.path, *path)) return true;
+      if (SameRegistryName(key.path, *path) || RelativeBelow(key.path, *path)) return true;
     }
     return false;
   }
@@ -306,7 +282,7 @@ class FileRegistry final : public Registry {
       if (!below) continue;
       std::wstring child = below->substr(0, below->find(L'\\'));
       bool known = false;
-      for (const std::wstring& name : names) known = known || SameName(name, child);
+      for (const std::wstring& name : names) known = known || SameRegistryName(name, child);
       if (!known) names.push_back(child);
     }
     return names;
