@@ -113,8 +113,8 @@ void Consider(const std::string& local, const std::map<std::string, RemoteEntry>
   }
   auto size = fs::file_size(path, ec);
   auto written = fs::last_write_time(path, ec);
-  std::string date =
-      ec ? "" : FormatDate(std::chrono::floor<std::chrono::seconds>(std::chrono::file_clock::to_sys(written)));
+  std::string date = ec ? "" : FormatDate(std::chrono::floor<std::chrono::seconds>(
+                                   std::chrono::file_clock::to_sys(written)));
   bool same = !ec && static_cast<long long>(size) == entry->second.size && date == entry->second.date;
   (same ? lists->not_to_backup : lists->to_backup).push_back(local);
 }

@@ -163,7 +163,9 @@ class Sha256 {
 std::string Utf8FromUtf16Le(std::string_view bytes) {
   if (bytes.size() >= 2 && bytes[0] == '\xFF' && bytes[1] == '\xFE') bytes.remove_prefix(2);
   std::string out;
-  for (char32_t c : DecodeUtf16Le(bytes)) AppendUtf8(out, c >= 0xD800 && c < 0xE000 ? U'\uFFFD' : c);
+  for (char32_t c : DecodeUtf16Le(bytes)) {
+    AppendUtf8(out, c >= 0xD800 && c < 0xE000 ? U'\uFFFD' : c);
+  }
   return out;
 }
 
