@@ -21,9 +21,7 @@ class LanguageTables : public ::testing::Test {
       fs::copy_file(fs::path(TAVRINE_LANG_DIR) / file, install_.path() / "Lang" / file,
                     fs::copy_options::overwrite_existing);
     }
-    install_.WriteConfiguration("[ProductInfo]\r\nProductNumber=7\r\nProductName=TavrinE\r\n"
-                                "ProductInstallationName=TavrinETest\r\nProductTreeViewName=T\r\n"
-                                "ProductCaption=TavrinE Online Backup\r\nLanguage=" + language + "\r\n");
+    install_.WriteConfiguration(testing::StandardConfiguration("", language));
     foundation::LoadConfigurations();
   }
   testing::InstallFolder install_;

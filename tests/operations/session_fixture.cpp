@@ -1,34 +1,21 @@
 #include "session_fixture.h"
 
-#include "foundation/file_system.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
 #include "support/install_folder.h"
 
 namespace tavrine::testing {
 
-namespace {
-EngineInstallOptions Options() {
-  EngineInstallOptions options;
-  options.folder_name = L"install dir";
-  options.aliases = {L"TavrinEClsClient.exe"};
-  options.configuration_ini =
-      "[ProductInfo]\r\nProductNumber=7\r\nProductName=TavrinE\r\n"
-      "ProductInstallationName=TavrinETest\r\nProductTreeViewName=TavrinE Backup\r\n"
-      "Language=English\r\nProductCaption=TavrinE Online Backup\r\nExeGroup=TavrinE\r\n"
-      "[ConnectionInfo]\r\nDomainName=localhost\r\nIPAddress1=127.0.0.1\r\nPort=443\r\n"
-      "EngineTimeoutSeconds=20\r\n";
-  return options;
+EngineInstallOptions SessionInstallOptions() {
+  return {.folder_name = L"install dir",
+          .aliases = {L"TavrinEClsClient.exe"},
+          .configuration_ini = StandardConfiguration("EngineTimeoutSeconds=20\r\n")};
 }
-}  // namespace
 
-SessionTest::SessionTest() : install_(Options()) {}
+SessionTest::SessionTest() : install_(SessionInstallOptions()) {}
 
 void SessionTest::SetUp() {
-  platform::Services seams;
-  seams.clock = &clock_;
-  seams.ui = &ui_;
-  seams_.emplace(seams);
+  seams_.emplace(platform::Services{.clock = &clock_, .ui = &ui_, .module_folder = {}});
   foundation::CurrentSettings() = foundation::Settings{};
   ResetProfileStore();
   profile::SetCurrentUserName(L"alice");

@@ -8,8 +8,6 @@ namespace tavrine::testing {
 
 namespace fs = std::filesystem;
 
-namespace {
-
 std::string Hex(std::string_view bytes) {
   static constexpr char kDigits[] = "0123456789abcdef";
   std::string hex;
@@ -21,11 +19,13 @@ std::string Hex(std::string_view bytes) {
   return hex;
 }
 
+namespace {
+
 int HexValue(char c) {
   if (c >= '0' && c <= '9') return c - '0';
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  throw std::runtime_error("engine journal: bad hex digit");
+  throw std::runtime_error("journal: bad hex digit");
 }
 
 std::string Unhex(std::string_view hex) {
@@ -46,35 +46,6 @@ std::wstring Unescape(std::string_view text) {
     }
   }
   return platform::Utf8ToWide(raw);
-}
-
-std::optional<std::string> FileField(std::string_view value) {
-  if (value == "-") return std::nullopt;
-  return Unhex(value);
-}
-
-EngineRun ParseRun(std::string_view line) {
-  EngineRun run;
-  while (!line.empty()) {
-    std::size_t tab = line.find('\t');
-    std::string_view field = line.substr(0, tab);
-    line = tab == std::string_view::npos ? std::string_view() : line.substr(tab + 1);
-    std::size_t equals = field.find('=');
-    if (equals == std::string_view::npos) continue;
-    std::string_view key = field.substr(0, equals), value = field.substr(equals + 1);
-    if (key == "code" && !value.empty()) run.code = std::stoi(std::string(value));
-    if (key == "answer" && value != "-") run.answer = std::stoul(std::string(value));
-    if (key == "program") run.program = Unescape(value);
-    if (key == "folder") run.folder = Unescape(value);
-    if (key == "cwd") run.cwd = Unescape(value);
-    if (key == "params") run.params = Unescape(value);
-    if (key == "note") run.note = Unescape(value);
-    if (key == "DLLInput.txt") run.request = FileField(value);
-    if (key == "restdestdir.txt") run.restdestdir = FileField(value);
-    if (key == "InputDelete.txt") run.input_delete = FileField(value);
-    if (key == "MPC.ini") run.mpc_ini = FileField(value);
-  }
-  return run;
 }
 
 }  // namespace
@@ -138,31 +109,45 @@ std::string EngineScenario::Text() const {
   return text;
 }
 
-void InstallEngine(const fs::path& folder, const std::vector<std::wstring>& aliases) {
-  const fs::path engine = TestProgramFolder() / "TavrinEClient.exe";
-  if (!fs::exists(engine))
-    throw std::runtime_error("reference engine not built beside the test program: " +
-                             engine.string());
-  fs::copy_file(engine, folder / "TavrinEClient.exe", fs::copy_options::overwrite_existing);
-  for (const std::wstring& alias : aliases)
-    fs::copy_file(engine, folder / platform::ToFsPath(alias), fs::copy_options::overwrite_existing);
-}
-
-void WriteEngineScenario(const fs::path& folder, const EngineScenario& scenario) {
-  WriteFileBytes(folder / "engine-scenario.txt", scenario.Text());
-}
-
-std::vector<EngineRun> ReadEngineJournal(const fs::path& folder) {
-  std::string text = ReadFileBytes(folder / "engine-journal.txt");
-  std::vector<EngineRun> runs;
+std::vector<JournalLine> ReadJournal(const fs::path& file) {
+  std::vector<JournalLine> lines;
+  std::string text = ReadFileBytes(file);
   std::string_view rest = text;
   while (!rest.empty()) {
     std::size_t end = rest.find('\n');
     std::string_view line = rest.substr(0, end);
     rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 1);
-    if (!line.empty()) runs.push_back(ParseRun(line));
+    if (line.empty()) continue;
+    JournalLine& fields = lines.emplace_back();
+    while (!line.empty()) {
+      std::size_t tab = line.find('\t');
+      std::string_view field = line.substr(0, tab);
+      line = tab == std::string_view::npos ? std::string_view() : line.substr(tab + 1);
+      std::size_t equals = field.find('=');
+      if (equals != std::string_view::npos)
+        fields[std::string(field.substr(0, equals))] = std::string(field.substr(equals + 1));
+    }
   }
-  return runs;
+  return lines;
+}
+
+std::wstring JournalText(const JournalLine& line, std::string_view key) {
+  auto it = line.find(key);
+  return it == line.end() ? std::wstring() : Unescape(it->second);
+}
+
+std::optional<std::string> JournalBytes(const JournalLine& line, std::string_view key) {
+  auto it = line.find(key);
+  if (it == line.end() || it->second == "-") return std::nullopt;
+  return Unhex(it->second);
+}
+
+std::wstring RequestLine(const EngineRun& run, int number) {
+  if (!run.request) return L"<no request>";
+  std::wstring text = Utf16LeText(*run.request);
+  std::size_t start = 0;
+  for (int line = 1; line < number; ++line) start = text.find(L"\r\n", start) + 2;
+  return text.substr(start, text.find(L"\r\n", start) - start);
 }
 
 EngineInstall::EngineInstall(const EngineInstallOptions& options) {
@@ -172,9 +157,14 @@ EngineInstall::EngineInstall(const EngineInstallOptions& options) {
     fs::create_directories(path_);
   }
   folder_text_ = platform::FromFsPath(path_);
-  InstallEngine(path_, options.aliases);
+  const fs::path engine = TestProgramFolder() / "TavrinEClient.exe";
+  if (!fs::exists(engine))
+    throw std::runtime_error("reference engine not built beside the test program: " +
+                             engine.string());
+  fs::copy_file(engine, path_ / "TavrinEClient.exe", fs::copy_options::overwrite_existing);
+  for (const std::wstring& alias : options.aliases)
+    fs::copy_file(engine, path_ / platform::ToFsPath(alias), fs::copy_options::overwrite_existing);
   if (options.configuration_ini) WriteFile(L"Configuration.ini", *options.configuration_ini);
-  if (options.username_ini) WriteFile(L"UserName.ini", *options.username_ini);
 
   services_.emplace(platform::Services{.module_folder = folder_text_});
 }
@@ -183,8 +173,22 @@ std::wstring EngineInstall::Program(std::wstring_view name) const {
   return folder_text_ + platform::kPathSeparator + std::wstring(name);
 }
 
+EngineInstall::Process EngineInstall::Start(const std::wstring& parameters,
+                                            std::wstring_view name) const {
+  return platform::CurrentLauncher().Start(Program(name), parameters, folder_text_);
+}
+
+platform::WaitOutcome EngineInstall::Run(const std::wstring& parameters,
+                                         std::wstring_view name) const {
+  auto process = Start(parameters, name);
+  if (!process) return platform::WaitOutcome::kFailed;
+  platform::WaitOutcome outcome = process->Wait(30000);
+  if (outcome == platform::WaitOutcome::kStillRunning) process->Terminate(1);
+  return outcome;
+}
+
 void EngineInstall::SetScenario(const EngineScenario& scenario) const {
-  WriteEngineScenario(path_, scenario);
+  WriteFileBytes(path_ / "engine-scenario.txt", scenario.Text());
 }
 
 void EngineInstall::SetScenarioText(std::string_view text) const {
@@ -195,6 +199,25 @@ void EngineInstall::WriteFile(std::wstring_view name, std::string_view bytes) co
   WriteFileBytes(path_ / platform::ToFsPath(std::wstring(name)), std::string(bytes));
 }
 
-std::vector<EngineRun> EngineInstall::Journal() const { return ReadEngineJournal(path_); }
+std::vector<EngineRun> EngineInstall::Journal() const {
+  std::vector<EngineRun> runs;
+  for (const JournalLine& line : ReadJournal(path_ / "engine-journal.txt")) {
+    EngineRun& run = runs.emplace_back();
+    if (auto it = line.find("code"); it != line.end() && !it->second.empty())
+      run.code = std::stoi(it->second);
+    if (auto it = line.find("answer"); it != line.end() && it->second != "-")
+      run.answer = std::stoul(it->second);
+    run.program = JournalText(line, "program");
+    run.folder = JournalText(line, "folder");
+    run.cwd = JournalText(line, "cwd");
+    run.params = JournalText(line, "params");
+    run.note = JournalText(line, "note");
+    run.request = JournalBytes(line, "DLLInput.txt");
+    run.restdestdir = JournalBytes(line, "restdestdir.txt");
+    run.input_delete = JournalBytes(line, "InputDelete.txt");
+    run.mpc_ini = JournalBytes(line, "MPC.ini");
+  }
+  return runs;
+}
 
 }  // namespace tavrine::testing

@@ -1,12 +1,15 @@
 #pragma once
 #include <cstddef>
 #include <filesystem>
+#include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "platform/process.h"
 #include "platform/services.h"
 #include "support/temp_folder.h"
 
@@ -68,16 +71,18 @@ struct EngineInstallOptions {
   // More names for the engine, e.g. L"TavrinEClsClient.exe" for ExeGroup "TavrinE".
   std::vector<std::wstring> aliases{};
   std::optional<std::string> configuration_ini{};  // bytes of Configuration.ini
-  std::optional<std::string> username_ini{};     // bytes of UserName.ini
 };
 
-// Building blocks for a folder someone else owns (e.g. InstallFolder): copies the
-// built engine in as TavrinEClient.exe plus any alias names.
-void InstallEngine(const std::filesystem::path& folder,
-                   const std::vector<std::wstring>& aliases = {});
-void WriteEngineScenario(const std::filesystem::path& folder, const EngineScenario& scenario);
-// Every run so far, oldest first.
-std::vector<EngineRun> ReadEngineJournal(const std::filesystem::path& folder);
+// Line `number` (from 1) of the run's UTF-16LE request; "<no request>" without one.
+std::wstring RequestLine(const EngineRun& run, int number);
+
+// The journals of the reference programs: a line a run of tab-separated
+// key=value fields, texts %-escaped UTF-8, file bytes in hex or "-".
+using JournalLine = std::map<std::string, std::string, std::less<>>;
+std::vector<JournalLine> ReadJournal(const std::filesystem::path& file);  // none when absent
+std::wstring JournalText(const JournalLine& line, std::string_view key);
+std::optional<std::string> JournalBytes(const JournalLine& line, std::string_view key);
+std::string Hex(std::string_view bytes);  // lower-case, as the journals write bytes
 
 // A throw-away install folder holding the reference engine. While alive it is
 // the library's module folder on this thread.
@@ -92,6 +97,13 @@ class EngineInstall {
   const std::filesystem::path& path() const { return path_; }
   // folder() + separator + name, as the library builds the program path.
   std::wstring Program(std::wstring_view name = L"TavrinEClient.exe") const;
+  // Starts the engine (or an alias) in the install folder, as the library does.
+  using Process = std::unique_ptr<platform::RunningProcess>;
+  Process Start(const std::wstring& parameters,
+                std::wstring_view name = L"TavrinEClient.exe") const;
+  // Start() and wait for the end; a run still going after 30 s is killed.
+  platform::WaitOutcome Run(const std::wstring& parameters,
+                            std::wstring_view name = L"TavrinEClient.exe") const;
 
   void SetScenario(const EngineScenario& scenario) const;
   void SetScenarioText(std::string_view text) const;

@@ -1,8 +1,18 @@
 #include "support/install_folder.h"
 
 #include "foundation/settings.h"
+#include "profile/profile_store.h"
 
 namespace tavrine::testing {
+
+std::string StandardConfiguration(const std::string& more, const std::string& language) {
+  return "[ProductInfo]\r\nProductNumber=7\r\nProductName=TavrinE\r\n"
+         "ProductInstallationName=TavrinETest\r\nProductTreeViewName=TavrinE Backup\r\n"
+         "Language=" + language +
+         "\r\nProductCaption=TavrinE Online Backup\r\nExeGroup=TavrinE\r\n"
+         "[ConnectionInfo]\r\nDomainName=localhost\r\nIPAddress1=127.0.0.1\r\nPort=443\r\n" +
+         more;
+}
 
 namespace {
 platform::Services SeamsFor(const TempFolder& folder, FakeClock& clock, RecordingUi& ui) {
@@ -24,33 +34,12 @@ void InstallFolder::WriteConfiguration(const std::string& ini_text) {
 }
 
 void InstallFolder::WriteStandardConfiguration() {
-  WriteConfiguration(
-      "[ProductInfo]\r\n"
-      "ProductNumber=7\r\n"
-      "ProductName=TavrinE\r\n"
-      "ProductInstallationName=TavrinETest\r\n"
-      "ProductTreeViewName=TavrinE Backup\r\n"
-      "Language=English\r\n"
-      "ProductCaption=TavrinE Online Backup\r\n"
-      "ExeGroup=TavrinE\r\n"
-      "[ConnectionInfo]\r\n"
-      "DomainName=localhost\r\n"
-      "IPAddress1=127.0.0.1\r\n"
-      "IPAddress2=127.0.0.2\r\n"
-      "Port=443\r\n");
+  WriteConfiguration(StandardConfiguration("IPAddress2=127.0.0.2\r\n"));
 }
 
 void InstallFolder::WriteUserNameIni(const std::string& ini_text) {
   WriteFileBytes(path() / "UserName.ini", ini_text);
 }
-
-std::wstring InstallFolder::WorkRoot() const { return foundation::ComputeWorkRoot(); }
-
-}  // namespace tavrine::testing
-
-#include "profile/profile_store.h"
-
-namespace tavrine::testing {
 
 void ResetProfileStore() {
   auto store = profile::ProfileStore::ForCurrentInstallation();

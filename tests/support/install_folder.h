@@ -9,6 +9,11 @@
 
 namespace tavrine::testing {
 
+// A complete Configuration.ini: product "TavrinE", installation "TavrinETest", ExeGroup
+// "TavrinE", server localhost:443; `more` ends its [ConnectionInfo] section.
+std::string StandardConfiguration(const std::string& more = "",
+                                  const std::string& language = "English");
+
 // A throw-away library folder with fake clock and recorded message boxes,
 // installed as the current thread's seams for the life of the object.
 class InstallFolder {
@@ -21,11 +26,9 @@ class InstallFolder {
   RecordingUi& ui() { return ui_; }
 
   void WriteConfiguration(const std::string& ini_text);
-  // A complete configuration: product "TavrinE", installation "TavrinETest", ExeGroup "TavrinE".
+  // StandardConfiguration() with a second server address.
   void WriteStandardConfiguration();
   void WriteUserNameIni(const std::string& ini_text);
-  // The work root folder (VirtualPath) as the library computes it, with its separator.
-  std::wstring WorkRoot() const;
 
  private:
   TempFolder folder_;
@@ -33,10 +36,6 @@ class InstallFolder {
   RecordingUi ui_;
   platform::ScopedServices services_;
 };
-
-}  // namespace tavrine::testing
-
-namespace tavrine::testing {
 
 // Removes the current installation's profile tree. On Windows the store is
 // the real HKEY_CURRENT_USER, so each test starts and ends with a clean one.

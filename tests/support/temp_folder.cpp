@@ -87,4 +87,13 @@ std::string Utf16LeFile(const std::wstring& text) {
   return bytes;
 }
 
+std::wstring Utf16LeText(std::string_view bytes) {
+  if (bytes.substr(0, 2) == "\xFF\xFE") bytes.remove_prefix(2);
+  std::wstring text;
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
+    text += static_cast<wchar_t>(static_cast<unsigned char>(bytes[i]) |
+                                 (static_cast<unsigned char>(bytes[i + 1]) << 8));
+  return text;
+}
+
 }  // namespace tavrine::testing

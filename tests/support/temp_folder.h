@@ -1,6 +1,7 @@
 #pragma once
 #include <filesystem>
 #include <string>
+#include <string_view>
 
 namespace tavrine::testing {
 
@@ -29,5 +30,7 @@ void WriteFileBytes(const std::filesystem::path& file, const std::string& bytes)
 
 // UTF-16LE with BOM and CRLF line ends, as the request files are written.
 std::string Utf16LeFile(const std::wstring& text_with_crlf);
+// The text of UTF-16LE bytes, a leading BOM dropped (BMP characters only).
+std::wstring Utf16LeText(std::string_view bytes);
 
 }  // namespace tavrine::testing

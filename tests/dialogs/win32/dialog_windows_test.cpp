@@ -29,21 +29,12 @@ using testing::EngineScenario;
 
 constexpr const wchar_t* kCaption = L"TavrinE Online Backup";
 
-std::string Configuration(const char* language) {
-  return std::string("[ProductInfo]\r\nProductNumber=7\r\nProductName=TavrinE\r\n"
-                     "ProductInstallationName=TavrinETest\r\nProductTreeViewName=TavrinE Backup\r\n"
-                     "Language=") + language +
-         "\r\nProductCaption=TavrinE Online Backup\r\nExeGroup=TavrinE\r\n"
-         "[ConnectionInfo]\r\nDomainName=localhost\r\nIPAddress1=127.0.0.1\r\nPort=443\r\n"
-         "EngineTimeoutSeconds=20\r\n"
-         "[WebLink]\r\nForgotPwdLink=https://www.tavrine.com/forgot\r\n";
-}
-
 testing::EngineInstallOptions Options(const char* language) {
-  testing::EngineInstallOptions options;
-  options.aliases = {L"TavrinEClsClient.exe"};
-  options.configuration_ini = Configuration(language);
-  return options;
+  return {.aliases = {L"TavrinEClsClient.exe"},
+          .configuration_ini = testing::StandardConfiguration(
+              "EngineTimeoutSeconds=20\r\n"
+              "[WebLink]\r\nForgotPwdLink=https://www.tavrine.com/forgot\r\n",
+              language)};
 }
 
 std::wstring WindowText(HWND window) {
@@ -161,9 +152,10 @@ void WriteBmp(const fs::path& file, COLORREF color) {
   out.write(reinterpret_cast<const char*>(pixels.data()), static_cast<std::streamsize>(pixels.size()));
 }
 
-class DialogWindows : public ::testing::TestWithParam<const char*> {
+// An engine install in `language`, the language files beside it and a clean profile.
+class WindowsTest : public ::testing::Test {
  protected:
-  DialogWindows() : install_(Options(GetParam())) {
+  explicit WindowsTest(const char* language) : install_(Options(language)) {
     fs::create_directories(install_.path() / "Lang");
     for (const char* file : {"German.ini", "Spanish.ini"}) {
       fs::copy_file(fs::path(TAVRINE_LANG_DIR) / file, install_.path() / "Lang" / file);
@@ -172,19 +164,21 @@ class DialogWindows : public ::testing::TestWithParam<const char*> {
     testing::ResetProfileStore();
     foundation::LoadConfigurations();
   }
-  ~DialogWindows() override { testing::ResetProfileStore(); }
-  std::wstring Suffix() const { return std::string(GetParam()) == "German" ? L"_de" : L"_en"; }
-  bool German() const { return std::string(GetParam()) == "German"; }
+  ~WindowsTest() override { testing::ResetProfileStore(); }
 
   testing::EngineInstall install_;
 };
 
+class DialogWindows : public WindowsTest, public ::testing::WithParamInterface<const char*> {
+ protected:
+  DialogWindows() : WindowsTest(GetParam()) {}
+  bool German() const { return std::string(GetParam()) == "German"; }
+  std::wstring Suffix() const { return German() ? L"_de" : L"_en"; }
+};
+
 TEST_P(DialogWindows, LoginDialogChecksInputThenLogsIn) {
-  EngineScenario s;
-  s.On(110).Output(901);
-  s.On(116).Output(402);
-  s.On(111).Output(403);
-  install_.SetScenario(s);
+  install_.SetScenario(
+      EngineScenario().On(110).Output(901).On(116).Output(402).On(111).Output(403));
   LoginDialog dialog;
   std::wstring password_box, label, title;
   int tooltip_count = -1, region = ERROR;
@@ -292,9 +286,8 @@ TEST_P(DialogWindows, SessionWindowShowsUserServerAndQuota) {
   profile::SetCurrentUserName(L"alice");
   profile::UpdateUserProfile(L"username", L"alice");
   profile::UpdateUserProfile(L"serverip", L"127.0.0.1");
-  EngineScenario s;
-  s.On(114).Output(0).WithFile("Quota.txt", "1073741824\r\n2147483648\r\n");
-  install_.SetScenario(s);
+  install_.SetScenario(
+      EngineScenario().On(114).Output(0).WithFile("Quota.txt", "1073741824\r\n2147483648\r\n"));
   std::wstring user, server, quota;
   bool shot = false;
   Driver driver([&] {
@@ -317,14 +310,9 @@ TEST_P(DialogWindows, SessionWindowShowsUserServerAndQuota) {
 
 INSTANTIATE_TEST_SUITE_P(Languages, DialogWindows, ::testing::Values("English", "German"));
 
-class LoginCommand : public ::testing::Test {
+class LoginCommand : public WindowsTest {
  protected:
-  LoginCommand() : install_(Options("English")) {
-    foundation::CurrentSettings() = foundation::Settings{};
-    testing::ResetProfileStore();
-  }
-  ~LoginCommand() override { testing::ResetProfileStore(); }
-  testing::EngineInstall install_;
+  LoginCommand() : WindowsTest("English") {}
 };
 
 TEST_F(LoginCommand, ClosingTheLoginWindowByItsTitleCancelsTheLogin) {
