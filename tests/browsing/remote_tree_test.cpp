@@ -60,6 +60,12 @@ TEST(ListingDate, ConvertsWithoutTimeZoneShift) {
       {L" 01-31-2011 13:05:09", true, 129409527090000000ULL},
       {L"01-31-2011 13:05:0x", false, 0},  // the written length, a letter in it
       {L"01-31-2011 13:05:60", false, 0},
+      // Impossible or hostile dates.
+      {L"02-30-2011 00:00:00", false, 0}, {L"00-10-2011 00:00:00", false, 0},
+      {L"12-00-2011 00:00:00", false, 0}, {L"01-01-1600 00:00:00", false, 0},
+      {L"12-31-99999 23:59:59", false, 0}, {L"99999999999999999999-01-2011 00:00:00", false, 0},
+      {L"01-01-2011 24:00:00", false, 0}, {L"01-01-2011 -1:00:00", false, 0},
+      {L"\x0661\x0662-01-2011 00:00:00", false, 0},
   };
   for (const Case& c : cases) {
     FileTime time{7, 9};

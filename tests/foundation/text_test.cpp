@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/time_format.h"
@@ -74,7 +76,9 @@ TEST(TextUtil, IntegerConversionsRoundHalfToEvenAndRejectOverflow) {
   EXPECT_EQ(ParseInt16(L"32768"), std::nullopt);
   EXPECT_EQ(ParseInt32(L"-2147483648"), INT32_MIN);
   EXPECT_EQ(ParseInt32(L"99999999999"), std::nullopt);
+  EXPECT_EQ(ParseInt32(L"1e400"), std::nullopt);
   EXPECT_EQ(RoundToInt32(1e300), INT32_MAX);
+  EXPECT_EQ(RoundToInt32(std::numeric_limits<double>::quiet_NaN()), 0);
   EXPECT_EQ(RoundToInt32(-0.5), 0);
 }
 
@@ -84,6 +88,7 @@ TEST(TextUtil, LeadingNumberReadsThePrefixOrZero) {
   EXPECT_EQ(LeadingNumber(L"abc"), 0.0);
   // A megabyte of digits is read from its start, not scanned again and again.
   EXPECT_GT(LeadingNumber(std::wstring(1 << 20, L'9')), 1e200);
+  EXPECT_EQ(LeadingNumber(std::wstring(1 << 20, L'9')), LeadingNumber(std::wstring(256, L'9')));
 }
 
 TEST(TimeFormat, TraceStampAndExchangeFolderName) {

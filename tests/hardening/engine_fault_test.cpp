@@ -6,7 +6,6 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
-#include <thread>
 
 #include "backup/compare_harness.h"
 #include "browsing/tavrine_enum.h"
@@ -14,7 +13,6 @@
 #include "operations/c_backup.h"
 #include "operations/cls_api_interface.h"
 #include "platform/path.h"
-#include "profile/profile_store.h"
 
 namespace tavrine::testing {
 namespace {
@@ -57,7 +55,6 @@ class EngineFaults : public HardeningSession {
   long long Init() { return browsing::TavrinEenum().TavrinEInit(); }
   fs::path UserListing() const { return platform::ToFsPath(UserFolder()) / "Backupfile.txt"; }
   void WriteUserListing() const { WriteFileBytes(UserListing(), std::string(kListing, sizeof kListing - 1)); }
-  void InstallCompare() { InstallCompareProgram(install_.path()); }
   using HardeningSession::NewTrace;
   using HardeningSession::Script;
 };
@@ -174,25 +171,9 @@ TEST_F(EngineFaults, EachOperationSurvivesEachFault) {
   }
 }
 
-TEST_F(EngineFaults, CancelledHangEndsListingAndCompare) {
-  Script(EngineScenario().On(115).Hang());
-  std::wstring folder = CallerFolder(L"cancelled");
-  std::thread canceller([path = platform::ToFsPath(folder) / "cancel.txt"] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    WriteFileBytes(path, "");
-  });
-  EXPECT_EQ(operations::clsAPI_Interface().API_REMOTE(folder), -1);
-  canceller.join();
-  fs::remove(platform::ToFsPath(folder) / "cancel.txt");
-  EngineScenario good;
-  good.On(115).Output(0).WithFile("Backupfile.txt", {kListing, sizeof kListing - 1});
-  Script(good);
-  EXPECT_EQ(operations::clsAPI_Interface().API_REMOTE(folder), 402);
-}
-
 // The compare program of a backup: same faults, its own scenario file.
 TEST_F(EngineFaults, BackupCompareSurvivesEachFault) {
-  InstallCompare();
+  InstallCompareProgram(install_.path());
   EngineScenario listing;
   listing.On(115).Output(0).WithFile("Backupfile.txt", {kListing, sizeof kListing - 1});
   Script(listing);

@@ -81,6 +81,11 @@ TEST_F(Listing, CancelDuringTheRunTerminatesTheEngine) {
   EXPECT_EQ(clsAPI_Interface().API_REMOTE(folder), -1);
   canceller.join();
   EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(10));
+  // The next call in the same folder, its marker gone, is answered.
+  fs::remove(platform::ToFsPath(folder) / "cancel.txt");
+  fs::remove(install_.path() / "engine-journal.txt");
+  install_.SetScenario(EngineScenario().On(115).Output(0).WithFile("Backupfile.txt", "x"));
+  EXPECT_EQ(clsAPI_Interface().API_REMOTE(folder), 402);
 }
 
 TEST_F(Listing, AnEngineThatLeavesNoResultEndsWithMinusOne) {
