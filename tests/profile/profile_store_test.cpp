@@ -211,9 +211,8 @@ class RefusingRegistry final : public platform::Registry {
   bool WriteString(const std::wstring&, const std::wstring&, const std::wstring&) override {
     return false;
   }
-  std::optional<std::uint32_t> ReadDword(const std::wstring&, const std::wstring&) override {
-    return std::nullopt;
-  }
+  using Dword = std::optional<std::uint32_t>;
+  Dword ReadDword(const std::wstring&, const std::wstring&) override { return std::nullopt; }
   bool WriteDword(const std::wstring&, const std::wstring&, std::uint32_t) override {
     return false;
   }

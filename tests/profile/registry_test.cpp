@@ -108,9 +108,7 @@ TEST_F(RegistrySeam, DeletingAKeyTreeTakesItsSubkeysButNotSiblingsWithTheSamePre
   EXPECT_EQ(registry_->ReadString(Key(L"abc"), L"v"), L"3");
   EXPECT_EQ(registry_->ReadString(key_, L"v"), L"4");
   EXPECT_EQ(registry_->ListSubkeys(key_), std::vector<std::wstring>{L"abc"});
-}
-
-TEST_F(RegistrySeam, TheWholeTreeIsNeverDeleted) {
+  // The whole tree is never deleted.
   EXPECT_FALSE(registry_->DeleteKeyTree(L""));
   EXPECT_FALSE(registry_->DeleteKeyTree(L"\\"));
 }
