@@ -14,6 +14,7 @@
 #include "platform/services.h"
 #include "profile/character_shift.h"
 #include "profile/profile_store.h"
+#include "profile/safe_name.h"
 #include "profile/user_name_ini.h"
 
 namespace tavrine::engine {
@@ -101,7 +102,8 @@ void clsClient::LoadConfigurations() {
   proxy_port_ = ProfileValue(L"ProxyPort");
   proxy_user_ = ProfileValue(L"ProxyUser");
   proxy_password_ = ProfileValue(L"ProxyPass");
-  folder_user_ = user_name_;
+  // The name becomes a folder: one that could leave the work root is not used.
+  folder_user_ = profile::IsSafeName(user_name_) ? user_name_ : std::wstring();
 }
 
 std::wstring clsClient::GetCurrentUser() {

@@ -2,6 +2,7 @@
 
 #include "foundation/file_system.h"
 #include "foundation/time_format.h"
+#include "foundation/trace_log.h"
 #include "platform/path.h"
 #include "platform/services.h"
 
@@ -27,6 +28,12 @@ std::wstring MakeExchangeFolder(const std::wstring& user_folder) {
   }
   if (FolderExists(folder) || !CreateFolder(folder)) return L"";
   return folder;
+}
+
+bool CallerFolderExists(const std::wstring& folder, const std::wstring& method) {
+  if (foundation::FolderExists(folder)) return true;
+  foundation::Trace(method + L" :: no exchange folder '" + folder + L"'");
+  return false;
 }
 
 }  // namespace tavrine::engine

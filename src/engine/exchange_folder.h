@@ -11,4 +11,9 @@ std::wstring ExchangeRoot(const std::wstring& user_folder);
 // the new one fresh, so two calls never share a folder. "" when it cannot be made.
 std::wstring MakeExchangeFolder(const std::wstring& user_folder);
 
+// A folder the caller hands in must exist: an empty name would put requests
+// (credentials included) into the host's current directory. False, with a
+// trace line naming `method`, when it does not.
+bool CallerFolderExists(const std::wstring& folder, const std::wstring& method);
+
 }  // namespace tavrine::engine

@@ -63,6 +63,7 @@ engine::ProxySettings clsAPI_Interface::LoadSession() {
 std::int32_t clsAPI_Interface::API_ENTRY(const std::wstring& strtempfd, std::int16_t& lResult) {
   std::int32_t handle = -1;
   try {
+    if (!engine::CallerFolderExists(strtempfd, L"API_ENTRY")) return -1;
     engine::ProxySettings proxy = LoadSession();
     client_.DeleteInputOutFiles();
     client_.WriteDLLInputFileTempFd(
@@ -177,6 +178,7 @@ std::int32_t clsAPI_Interface::API_UPDATE_RAND_NUM() {
 std::int32_t clsAPI_Interface::API_REMOTE(const std::wstring& strtempfd) {
   std::int32_t result = -1;
   try {
+    if (!engine::CallerFolderExists(strtempfd, L"API_REMOTE")) return -1;
     engine::ProxySettings proxy = LoadSession();
     const std::wstring cancel_marker = JoinPath(strtempfd, L"cancel.txt");
     if (FileExists(cancel_marker)) return -1;

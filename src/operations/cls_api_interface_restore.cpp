@@ -56,6 +56,7 @@ std::int32_t clsAPI_Interface::API_ENTRY_RESTORE(const std::wstring& destPath,
                                                  const std::wstring& tempPath) {
   std::int32_t handle = -1;
   try {
+    if (!engine::CallerFolderExists(tempPath, L"API_ENTRY_RESTORE")) return -1;
     engine::ProxySettings proxy = LoadSession();
     const std::wstring destination_file = JoinPath(tempPath, L"restdestdir.txt");
     foundation::DeleteFileIfExists(destination_file);

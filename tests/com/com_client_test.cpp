@@ -320,13 +320,13 @@ TEST_F(ComTest, typed_by_reference_arguments_are_read_and_written_as_vb6_passes_
   EXPECT_EQ(kept.get(), before);
   EXPECT_EQ(kept.view(), L"unchanged");
 
-  // A long by reference written back: no engine program is configured here,
-  // so the upload cannot start (-1), but the start call itself completed (1).
+  // A long by reference written back: without W_BackupInit there is no
+  // exchange folder, so the upload is not started (-1) and nothing completed (0).
   ComPtr<IDispatch> backup = Create(L"TavrinEUI.CBackup");
   LONG code = 77;
   ASSERT_EQ(CallByName(backup.get(), L"W_DoBackup", {ByRefI4(&code)}, result.put()), S_OK);
   EXPECT_EQ(V_I4(result.get()), -1);
-  EXPECT_EQ(code, 1);
+  EXPECT_EQ(code, 0);
 
   // A by-reference variant for a typed parameter is what a script passes: refused.
   UniqueVariant script_variable;

@@ -125,5 +125,28 @@ TEST_F(Entry, MissingEngineGivesMinusOne) {
   EXPECT_EQ(completed, 1);
 }
 
+// An empty or missing caller folder would put the request, credentials and
+// all, into the current directory: nothing is written and no engine runs.
+TEST_F(Entry, CallsWithoutTheCallersFolderTouchNothing) {
+  install_.SetScenario(EngineScenario().On(110).Output(900).On(115).Output(402).On(7).Output(402));
+  const fs::path cwd = fs::current_path();
+  fs::current_path(install_.path());
+  const std::wstring missing = install_.folder() + platform::kPathSeparator + L"never made";
+  for (const std::wstring& folder : {std::wstring(), missing}) {
+    SCOPED_TRACE(platform::WideToUtf8(folder));
+    std::int16_t completed = 0;
+    EXPECT_EQ(clsAPI_Interface().API_ENTRY(folder, completed), -1);
+    EXPECT_EQ(clsAPI_Interface().API_REMOTE(folder), -1);
+    EXPECT_EQ(clsAPI_Interface().API_ENTRY_RESTORE(CallerFolder(L"dest"), L"PC\\C:\\a", folder), -1);
+  }
+  platform::SystemClock().Sleep(300);
+  fs::current_path(cwd);
+  EXPECT_TRUE(install_.Journal().empty());
+  for (const char* name : {"DLLInput.txt", "restdestdir.txt", "MPC.ini"}) {
+    EXPECT_FALSE(fs::exists(install_.path() / name)) << name;
+  }
+  EXPECT_NE(TraceText().find("API_REMOTE :: no exchange folder"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace tavrine::operations

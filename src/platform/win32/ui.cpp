@@ -17,7 +17,8 @@ class Win32Ui : public Ui {
   bool CloseWindowByTitle(const std::wstring& title) override {
     HWND window = FindWindowW(nullptr, title.c_str());
     if (!window) return false;
-    SendMessageW(window, WM_CLOSE, 0, 0);
+    // A window of a hung thread must not hang the caller too.
+    SendMessageTimeoutW(window, WM_CLOSE, 0, 0, SMTO_ABORTIFHUNG | SMTO_BLOCK, 5000, nullptr);
     return true;
   }
 
