@@ -132,14 +132,6 @@ TEST_F(CompareStep, CancelEndsTheWaitWithinASecondAndKillsOnlyThatProgram) {
   EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
 }
 
-TEST_F(CompareStep, MarkerBeforeTheStartRunsNothing) {
-  testing::WriteFileBytes(Folder() / "cancel.txt", "");
-  SetScheduleData("31\r\nnightly\r\n");
-  EXPECT_EQ(CBackup().W_BackupInit(0, folder_), 401);
-  EXPECT_TRUE(install_.Journal().empty());
-  EXPECT_FALSE(fs::exists(ScheduleFile("schedulerStatus.txt")));
-}
-
 using ManualBackup = BackupTest;
 
 TEST_F(ManualBackup, PausesTheScheduleUntilTheExit) {
@@ -208,6 +200,7 @@ TEST_F(ManualBackup, UploadThatCannotStartOrIsCancelledLeavesNoUploadRecorded) {
     std::int32_t completed = -5;
     backup.DisableScheduleBackup(L"");
     EXPECT_EQ(backup.W_BackupInit(0, folder_), 401);
+    EXPECT_FALSE(fs::exists(ScheduleFile("schedulerStatus.txt")));  // never paused
     EXPECT_EQ(backup.W_DoBackup(completed), 401);
     EXPECT_EQ(completed, -5);
     EXPECT_TRUE(install_.Journal().empty());

@@ -13,29 +13,26 @@ using ScheduleControl = BackupTest;
 
 TEST_F(ScheduleControl, RunningMeansLineOneIsThereAndNotZero) {
   struct Case {
-    const char* data;  // nullptr: no file
-    bool running;
-  } cases[] = {{nullptr, false},           {"", false},       {"0\r\n", false},
-               {"0\r\n77\r\n", false},     {" 0 \r\n", false}, {"17\r\njob\r\n", true},
-               {"17", true},               {"x\r\n", true}};
+    const char* data;    // nullptr: no file
+    const char* paused;  // schedulerStatus.txt after a stop; nullptr: not running
+  } cases[] = {{nullptr, nullptr}, {"", nullptr}, {"0\r\n", nullptr}, {"0\r\n77\r\n", nullptr},
+               {" 0 \r\n", nullptr}, {"17\r\njob\r\n", "PAUSE\r\n17\r\njob\r\n"},
+               {"17", "PAUSE\r\n17\r\n\r\n"},  // both lines, the second empty
+               {"x\r\n", "PAUSE\r\nx\r\n\r\n"}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.data ? c.data : "(none)");
     fs::remove(ScheduleFile("scheduleData.txt"));
     if (c.data) SetScheduleData(c.data);
-    EXPECT_EQ(CBackup().IsScheduleBackupRunning(L"alice"), c.running);
-    EXPECT_EQ(CBackup().IsScheduleBackupRunning(L""), c.running);  // the current user
+    const bool running = c.paused != nullptr;
+    EXPECT_EQ(CBackup().IsScheduleBackupRunning(L"alice"), running);
+    EXPECT_EQ(CBackup().IsScheduleBackupRunning(L""), running);  // the current user
     clock_.ClearPauses();
-    EXPECT_EQ(CBackup().StopScheduleBackup(L"alice"), c.running ? 1 : 0);
-    EXPECT_EQ(fs::exists(ScheduleFile("schedulerStatus.txt")), c.running);
-    EXPECT_EQ(clock_.CountPauses(1000), c.running ? 1u : 0u);
+    EXPECT_EQ(CBackup().StopScheduleBackup(L"alice"), running ? 1 : 0);
+    EXPECT_EQ(fs::exists(ScheduleFile("schedulerStatus.txt")), running);
+    EXPECT_EQ(testing::ReadFileBytes(ScheduleFile("schedulerStatus.txt")), running ? c.paused : "");
+    EXPECT_EQ(clock_.CountPauses(1000), running ? 1u : 0u);
     fs::remove(ScheduleFile("schedulerStatus.txt"));
   }
-}
-
-TEST_F(ScheduleControl, StopCopiesBothLinesEvenWhenTheSecondIsMissing) {
-  SetScheduleData("17");
-  EXPECT_EQ(CBackup().StopScheduleBackup(L"alice"), 1);
-  EXPECT_EQ(testing::ReadFileBytes(ScheduleFile("schedulerStatus.txt")), "PAUSE\r\n17\r\n\r\n");
 }
 
 TEST_F(ScheduleControl, ProfileValuesPerMethod) {
