@@ -412,7 +412,7 @@ bool LoginProcedure::ResolveEmail(bool& go_on) {
   view_.ShowAccountChoice(names);
   user_ = names.front();
   bool status = CheckDefEncStatus();
-  Trace(std::wstring(L"Return Value from CheckDefEncKeyStatus") + (status ? L" : True" : L" : False"));
+  Trace(L"Return Value from CheckDefEncKeyStatus");
   if (!status) return false;
   Unlock();
   ShowStop(LoginMessageText(LoginMessage::kSeveralAccounts), L"");
