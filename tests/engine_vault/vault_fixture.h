@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <optional>
 #include <string>
 
 #include "engine/cls_client.h"
@@ -22,7 +21,7 @@ struct VaultAnswer {
 // requests the library's own writer produces.
 class VaultTest : public ::testing::Test {
  protected:
-  VaultTest();
+  VaultTest() : install_(StandardEngineInstall()) {}
   void SetUp() override;
   void TearDown() override;
 
@@ -36,7 +35,9 @@ class VaultTest : public ::testing::Test {
   VaultAnswer Ask(int code, const std::filesystem::path& folder,
                   const std::wstring& random = L"MACHINECODEREADONLY");
   VaultAnswer Ask(int code) { return AskRandom(code, L"MACHINECODEREADONLY"); }
-  VaultAnswer AskRandom(int code, const std::wstring& random);
+  VaultAnswer AskRandom(int code, const std::wstring& random) {
+    return Ask(code, Exchange("H_" + std::to_string(code)), random);
+  }
   // The 13-line versions request for a remote file.
   VaultAnswer AskVersions(const std::wstring& remote, const std::filesystem::path& folder);
 
@@ -49,8 +50,5 @@ class VaultTest : public ::testing::Test {
   engine::clsClient client_;
   int folders_ = 0;
 };
-
-std::string Read(const std::filesystem::path& file);  // "" when absent
-std::string Utf16(const std::wstring& text);           // UTF-16LE with BOM, no line ends added
 
 }  // namespace tavrine::testing

@@ -6,13 +6,7 @@
 
 namespace tavrine::testing {
 
-EngineInstallOptions SessionInstallOptions() {
-  return {.folder_name = L"install dir",
-          .aliases = {L"TavrinEClsClient.exe"},
-          .configuration_ini = StandardConfiguration("EngineTimeoutSeconds=20\r\n")};
-}
-
-SessionTest::SessionTest() : install_(SessionInstallOptions()) {}
+SessionTest::SessionTest() : install_(StandardEngineInstall()) {}
 
 void SessionTest::SetUp() {
   seams_.emplace(platform::Services{.clock = &clock_, .ui = &ui_, .module_folder = {}});

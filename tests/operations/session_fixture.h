@@ -12,9 +12,6 @@
 
 namespace tavrine::testing {
 
-// The engine in "install dir" under both of its names, with StandardConfiguration().
-EngineInstallOptions SessionInstallOptions();
-
 // An install folder with the reference engine under both of its names, a
 // complete configuration, a logged-in user "alice", a fake clock and recorded boxes.
 class SessionTest : public ::testing::Test {

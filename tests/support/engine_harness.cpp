@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "platform/path.h"
+#include "support/install_folder.h"
 
 namespace tavrine::testing {
 
@@ -140,6 +141,12 @@ std::optional<std::string> JournalBytes(const JournalLine& line, std::string_vie
   auto it = line.find(key);
   if (it == line.end() || it->second == "-") return std::nullopt;
   return Unhex(it->second);
+}
+
+EngineInstallOptions StandardEngineInstall() {
+  return {.folder_name = L"install dir",
+          .aliases = {L"TavrinEClsClient.exe"},
+          .configuration_ini = StandardConfiguration("EngineTimeoutSeconds=20\r\n")};
 }
 
 std::wstring RequestLine(const EngineRun& run, int number) {

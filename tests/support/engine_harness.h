@@ -73,6 +73,10 @@ struct EngineInstallOptions {
   std::optional<std::string> configuration_ini{};  // bytes of Configuration.ini
 };
 
+// The engine in "install dir" under both of its names, with StandardConfiguration()
+// and a 20 s engine time-out.
+EngineInstallOptions StandardEngineInstall();
+
 // Line `number` (from 1) of the run's UTF-16LE request; "<no request>" without one.
 std::wstring RequestLine(const EngineRun& run, int number);
 
