@@ -36,7 +36,6 @@ class CompareProgram : public ::testing::Test {
     return text;
   }
   void MakeFile(const fs::path& p, const std::string& bytes) const {
-    fs::create_directories(p.parent_path());
     WriteFileBytes(p, bytes);
     fs::last_write_time(p, std::chrono::file_clock::from_sys(kListedTime));
   }

@@ -8,7 +8,6 @@
 #include "browsing/file_time.h"
 #include "browsing/linear_scan.h"
 #include "browsing/remote_tree.h"
-#include "listing_files.h"
 #include "platform/path.h"
 #include "support/temp_folder.h"
 
@@ -16,7 +15,6 @@ namespace tavrine::browsing {
 namespace {
 
 using testing::TempFolder;
-using testing::WriteUtf16File;
 
 struct Loaded {
   TempFolder temp;
@@ -26,7 +24,7 @@ struct Loaded {
 std::unique_ptr<Loaded> Load(const std::wstring& text, const std::wstring& machine = L"") {
   auto loaded = std::make_unique<Loaded>();
   auto file = loaded->temp.path() / "Backupfile.txt";
-  WriteUtf16File(file, text);
+  testing::WriteFileBytes(file, testing::Utf16LeFile(text));
   loaded->listing.AddFile(platform::FromFsPath(file), machine);
   loaded->listing.Finish();
   return loaded;

@@ -6,7 +6,6 @@
 #include "browsing/browsing_state.h"
 #include "browsing/tavrine_enum.h"
 #include "engine/engine_run.h"
-#include "listing_files.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
@@ -26,21 +25,17 @@ class EnumTest : public SessionTest {
     browsing::CurrentBrowsingState() = browsing::BrowsingState{};
   }
   std::filesystem::path UserPath() const { return platform::ToFsPath(UserFolder()); }
-  std::vector<int> Codes() const {
-    std::vector<int> codes;
-    for (const EngineRun& run : install_.Journal()) codes.push_back(run.code.value_or(0));
-    return codes;
-  }
 };
 
 TEST_F(EnumTest, InitAsksTheEngineAndLoadsTheUsersListing) {
   profile::UpdateUserProfile(L"Count", L"0");
-  WriteUtf16File(UserPath() / "Backupfile.txt",
-                 L"C:\\Docs\\a.txt/2/100/01-31-2011 13:05:09/U\r\nC:\\Docs\\b.txt/1/5/01-31-2011 13:05:09/U\r\n");
+  WriteFileBytes(UserPath() / "Backupfile.txt",
+                 Utf16LeFile(L"C:\\Docs\\a.txt/2/100/01-31-2011 13:05:09/U\r\n"
+                             L"C:\\Docs\\b.txt/1/5/01-31-2011 13:05:09/U\r\n"));
   install_.SetScenario(EngineScenario().On(119).Output(402).On(122).Output(402));
   TavrinEenum e;
   EXPECT_EQ(e.TavrinEInit(), 1);
-  EXPECT_EQ(Codes(), (std::vector<int>{119, 122}));
+  EXPECT_EQ(install_.Codes(), (std::vector<int>{119, 122}));
   EXPECT_EQ(install_.Journal()[1].program, L"TavrinEClient.exe");
   std::wstring user;
   e.W_GetCurrentUser(user);
@@ -64,11 +59,14 @@ TEST_F(EnumTest, InitAsksTheEngineAndLoadsTheUsersListing) {
 TEST_F(EnumTest, LocalRefreshReadsSeveralComputersPrefixed) {
   profile::UpdateUserProfile(L"List", L"PC1|0|1;pc1|0|1;PC2|0|1;OLD|0|0;");
   profile::UpdateUserProfile(L"HostCount", L"2");
-  WriteUtf16File(UserPath() / "PC1" / "Backupfile.txt", L"C:\\a.txt/1/1/01-31-2011 13:05:09/U\r\n");
-  WriteUtf16File(UserPath() / "PC2" / "Backupfile.txt", L"D:\\b.txt/1/1/01-31-2011 13:05:09/U\r\n");
+  WriteFileBytes(UserPath() / "PC1" / "Backupfile.txt",
+                 Utf16LeFile(L"C:\\a.txt/1/1/01-31-2011 13:05:09/U\r\n"));
+  WriteFileBytes(UserPath() / "PC2" / "Backupfile.txt",
+                 Utf16LeFile(L"D:\\b.txt/1/1/01-31-2011 13:05:09/U\r\n"));
+
   TavrinEenum e;
   EXPECT_EQ(e.TavrinELocalRefresh(), 1);
-  EXPECT_TRUE(Codes().empty());  // everything was on disk
+  EXPECT_TRUE(install_.Codes().empty());  // everything was on disk
   EXPECT_TRUE(e.IsItemExists(L"pc2"));
   EXPECT_FALSE(e.IsItemExists(L"OLD"));
   EXPECT_EQ(browsing::CurrentBrowsingState().machine_list, (std::vector<std::wstring>{L"PC1", L"PC2"}));

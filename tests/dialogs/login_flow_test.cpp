@@ -32,11 +32,7 @@ class LoginTest : public testing::SessionTest {
   }
 
   bool PressLogin() { return procedure_.OnLogin(); }
-  std::vector<int> Codes() const {
-    std::vector<int> codes;
-    for (const auto& run : install_.Journal()) codes.push_back(run.code.value_or(-1));
-    return codes;
-  }
+  std::vector<int> Codes() const { return install_.Codes(); }
   bool Saved(const std::wstring& user) const {
     return !profile::ProfileStore::ForCurrentInstallation().GetForUser(user, L"password").empty();
   }

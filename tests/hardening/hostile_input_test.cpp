@@ -120,7 +120,6 @@ TEST_F(Hostile, BrokenUtf16ListingsStillLoad) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     fs::path file = install_.path() / "listing" / "Backupfile.txt";
-    fs::create_directories(file.parent_path());
     WriteFileBytes(file, row.bytes);
     browsing::RemoteListing listing;
     ASSERT_TRUE(listing.AddFile(platform::FromFsPath(file), L""));

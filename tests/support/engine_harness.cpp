@@ -227,4 +227,10 @@ std::vector<EngineRun> EngineInstall::Journal() const {
   return runs;
 }
 
+std::vector<int> EngineInstall::Codes() const {
+  std::vector<int> codes;
+  for (const EngineRun& run : Journal()) codes.push_back(run.code.value_or(-1));
+  return codes;
+}
+
 }  // namespace tavrine::testing

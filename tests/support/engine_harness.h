@@ -116,6 +116,8 @@ class EngineInstall {
 
   // Every run so far, oldest first.
   std::vector<EngineRun> Journal() const;
+  // The code of every run so far; -1 where the parameters were not understood.
+  std::vector<int> Codes() const;
 
  private:
   TempFolder temp_;

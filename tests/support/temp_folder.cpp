@@ -64,6 +64,8 @@ std::string ReadFileBytes(const std::filesystem::path& file) {
 }
 
 void WriteFileBytes(const std::filesystem::path& file, const std::string& bytes) {
+  std::error_code ignored;
+  std::filesystem::create_directories(file.parent_path(), ignored);
   std::ofstream out(file, std::ios::binary | std::ios::trunc);
   out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }

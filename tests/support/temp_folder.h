@@ -24,7 +24,8 @@ class TempFolder {
 // The folder of the running test program (where the build puts the engine too).
 std::filesystem::path TestProgramFolder();
 
-// Whole-file helpers for assertions.
+// Whole-file helpers for assertions. Reading a missing file gives ""; a
+// write makes the missing folders first.
 std::string ReadFileBytes(const std::filesystem::path& file);
 void WriteFileBytes(const std::filesystem::path& file, const std::string& bytes);
 
