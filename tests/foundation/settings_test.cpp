@@ -106,15 +106,6 @@ TEST(LoadConfigurations, NonNumericProductNumberKeepsTheEarlierOne) {
   EXPECT_EQ(CurrentSettings().product_number, 9);
 }
 
-TEST(LoadConfigurations, ValueLongerThanTheReaderAllowsIsCut) {
-  InstallFolder install;
-  std::string long_name(3000, 'n');
-  install.WriteConfiguration(Config(kCompleteProductInfo, "[ConnectionInfo]\r\nDomainName=" +
-                                                              long_name + "\r\n"));
-  LoadConfigurations();
-  EXPECT_EQ(CurrentSettings().domain_name.size(), 2047u);
-}
-
 TEST(LoadConfigurations, EngineTimeoutIsConfigurable) {
   InstallFolder install;
   install.WriteConfiguration(

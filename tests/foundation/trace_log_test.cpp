@@ -19,29 +19,17 @@ std::filesystem::path LogFile(const InstallFolder& install, const std::string& n
   return install.path() / "Log" / name;
 }
 
-TEST(Trace, FirstEntryCreatesTheLogFolderAndDatesTheLine) {
+TEST(Trace, EntriesMakeTheLogFolderAndAppendDatedLinesAnEmptyMessageKeepingItsBlank) {
   InstallFolder install;
   install.WriteStandardConfiguration();
   install.clock().SetNow({2011, 7, 4, 18, 5, 9, 0});
-  Trace(L"hello");
-  EXPECT_EQ(ReadFileBytes(LogFile(install, "TavrinETestUI.txt")), "07-04-2011 18:05:09 hello\r\n");
-}
-
-TEST(Trace, EntriesAppendInOrderAndAnEmptyMessageKeepsItsBlank) {
-  InstallFolder install;
-  install.WriteStandardConfiguration();
-  install.clock().SetNow({2024, 12, 31, 3, 4, 5, 0});
   Trace(L"first");
+  EXPECT_EQ(ReadFileBytes(LogFile(install, "TavrinETestUI.txt")), "07-04-2011 18:05:09 first\r\n");
+  install.clock().SetNow({2024, 12, 31, 3, 4, 5, 0});
   Trace(L"");
   Trace(L"third");
   EXPECT_EQ(ReadFileBytes(LogFile(install, "TavrinETestUI.txt")),
-            "12-31-2024 03:04:05 first\r\n12-31-2024 03:04:05 \r\n12-31-2024 03:04:05 third\r\n");
-}
-
-TEST(Trace, WithoutConfigurationTheFileIsJustUiTxt) {
-  InstallFolder install;
-  Trace(L"x");
-  EXPECT_FALSE(ReadFileBytes(LogFile(install, "UI.txt")).empty());
+            "07-04-2011 18:05:09 first\r\n12-31-2024 03:04:05 \r\n12-31-2024 03:04:05 third\r\n");
 }
 
 TEST(Trace, InstallationNameIsReadAfreshOnEveryWrite) {
