@@ -22,12 +22,8 @@ class ClsClientTest : public ::testing::Test {
     install_.WriteStandardConfiguration();
     testing::ResetProfileStore();
     profile::SetCurrentUserName(L"abc");
-    profile::UpdateUserProfile(L"username", L"abc");
-    profile::UpdateUserProfile(L"password", L"");
-    profile::UpdateUserProfile(L"encpassword", L"old");
-    profile::UpdateUserProfile(L"encpasswordnew", L"x~");
-    profile::UpdateUserProfile(L"serverip", L"10.1.2.3");
-    profile::UpdateUserProfile(L"port", L"8443");
+    SetProfile({{L"username", L"abc"}, {L"password", L""}, {L"encpassword", L"old"},
+                {L"encpasswordnew", L"x~"}, {L"serverip", L"10.1.2.3"}, {L"port", L"8443"}});
     client_.LoadConfigurations();
     folder_ = install_.wpath() + platform::kPathSeparator + L"ex change";
     std::filesystem::create_directories(platform::ToFsPath(folder_));
@@ -38,7 +34,10 @@ class ClsClientTest : public ::testing::Test {
   std::string Request() const {
     return ReadFileBytes(platform::ToFsPath(folder_) / "DLLInput.txt");
   }
-  std::string Lines(const std::wstring& text) const { return Utf16LeFile(text); }
+  static std::string Lines(const std::wstring& text) { return Utf16LeFile(text); }
+  static void SetProfile(std::initializer_list<std::pair<const wchar_t*, const wchar_t*>> values) {
+    for (const auto& [name, value] : values) profile::UpdateUserProfile(name, value);
+  }
 
   InstallFolder install_;
   clsClient client_;
@@ -117,11 +116,8 @@ TEST_F(ClsClientTest, WriteDllInputFileNeverWritesAndLogsWhy) {
 }
 
 TEST_F(ClsClientTest, CacheFallsBackToOlderProfileValues) {
-  profile::UpdateUserProfile(L"encpasswordnew", L"");
-  profile::UpdateUserProfile(L"serverip", L"");
-  profile::UpdateUserProfile(L"IPAddres", L"9.9.9.9");
-  profile::UpdateUserProfile(L"port", L"");
-  profile::UpdateUserProfile(L"OutPort", L"21");
+  SetProfile({{L"encpasswordnew", L""}, {L"serverip", L""}, {L"IPAddres", L"9.9.9.9"},
+              {L"port", L""}, {L"OutPort", L"21"}});
   client_.LoadConfigurations();
   client_.WriteDLLInputFileTempFd(folder_, ProxyArguments({}, L"R1"));
   EXPECT_EQ(Request(), Lines(L"9.9.9.9\r\n21\r\ncde\r\n\r\nqnf\r\nR1\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n"));
@@ -206,12 +202,8 @@ TEST_F(ClsClientTest, GetIpAddressResolvesTheConfiguredHostOrFallsBack) {
 }
 
 TEST_F(ClsClientTest, LoadProxySettingsCopiesTheCache) {
-  profile::UpdateUserProfile(L"Proxyset", L"1");
-  profile::UpdateUserProfile(L"proxytypehttp", L"-1");
-  profile::UpdateUserProfile(L"ProxyName", L"px");
-  profile::UpdateUserProfile(L"ProxyPort", L"8080");
-  profile::UpdateUserProfile(L"ProxyUser", L"u");
-  profile::UpdateUserProfile(L"ProxyPass", L"secret");
+  SetProfile({{L"Proxyset", L"1"}, {L"proxytypehttp", L"-1"}, {L"ProxyName", L"px"},
+              {L"ProxyPort", L"8080"}, {L"ProxyUser", L"u"}, {L"ProxyPass", L"secret"}});
   client_.LoadConfigurations();
   ProxySettings settings;
   EXPECT_EQ(client_.LoadProxySettings(settings), 0);
