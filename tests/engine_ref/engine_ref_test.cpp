@@ -3,14 +3,13 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "engine/engine_run.h"
 #include "platform/path.h"
 #include "platform/process.h"
-#include "platform/services.h"
 #include "support/engine_harness.h"
 #include "support/temp_folder.h"
 
@@ -20,40 +19,15 @@ namespace {
 namespace fs = std::filesystem;
 using platform::WaitOutcome;
 
-// Far above a healthy run even under Wine; only a broken engine gets near it.
-constexpr std::uint32_t kRunLimitMs = 30000;
-
-std::wstring Parameters(int code, const std::wstring& folder) {
-  return L" " + std::to_wstring(code) + L"<" + folder + L">";
-}
-
-std::unique_ptr<platform::RunningProcess> Start(const EngineInstall& install,
-                                                const std::wstring& parameters,
-                                                std::wstring_view program = L"TavrinEClient.exe") {
-  auto process = platform::CurrentLauncher().Start(install.Program(program), parameters,
-                                                   install.folder());
-  EXPECT_NE(process, nullptr) << "engine did not start";
-  return process;
-}
-
-WaitOutcome RunToEnd(const EngineInstall& install, const std::wstring& parameters,
-                std::wstring_view program = L"TavrinEClient.exe") {
-  auto process = Start(install, parameters, program);
-  if (!process) return WaitOutcome::kFailed;
-  WaitOutcome outcome = process->Wait(kRunLimitMs);
-  if (outcome == WaitOutcome::kStillRunning) process->Terminate(1);
-  return outcome;
-}
-
+// Runs the engine with `code` on `folder` until it ends (30 s at most).
 WaitOutcome RunToEnd(const EngineInstall& install, int code, const fs::path& folder,
-                std::wstring_view program = L"TavrinEClient.exe") {
-  return RunToEnd(install, Parameters(code, platform::FromFsPath(folder)), program);
+                     std::wstring_view program = L"TavrinEClient.exe") {
+  return install.Run(engine::EngineParameters(code, platform::FromFsPath(folder)), program);
 }
 
 // A fresh exchange folder holding a request, as the library leaves it.
 fs::path MakeExchange(const EngineInstall& install, const std::string& name) {
   fs::path folder = install.path() / "Temp" / name;
-  fs::create_directories(folder);
   WriteFileBytes(folder / "DLLInput.txt", Utf16LeFile(L"10.0.0.1\r\n443\r\n"));
   return folder;
 }
@@ -71,9 +45,8 @@ using Names = std::vector<std::string>;
 
 TEST(EngineRefQueue, PlaysAnswersInOrderThenRepeatsTheLast) {
   EngineInstall install;
-  EngineScenario scenario;
-  scenario.On(115).Output(-416).Then().Info(-12009, "Server busy").Then().Output(0);
-  install.SetScenario(scenario);
+  install.SetScenario(
+      EngineScenario().On(115).Output(-416).Then().Info(-12009, "Server busy").Then().Output(0));
 
   std::vector<fs::path> folders;
   for (int run = 0; run < 4; ++run) {
@@ -94,10 +67,7 @@ TEST(EngineRefQueue, PlaysAnswersInOrderThenRepeatsTheLast) {
 
 TEST(EngineRefQueue, EachCodeKeepsItsOwnPlace) {
   EngineInstall install;
-  EngineScenario scenario;
-  scenario.On(114).Output(1).Then().Output(2);
-  scenario.On(115).Output(7);
-  install.SetScenario(scenario);
+  install.SetScenario(EngineScenario().On(114).Output(1).Then().Output(2).On(115).Output(7));
 
   std::string seen;
   for (int code : {115, 114, 115, 114}) {
@@ -114,9 +84,7 @@ TEST(EngineRefQueue, NoScenarioOrNoEntryAnswersNothing) {
   ASSERT_EQ(RunToEnd(install, 115, bare), WaitOutcome::kExited);
   EXPECT_EQ(Answered(bare), Names{});
 
-  EngineScenario scenario;
-  scenario.On(114).Output(0);
-  install.SetScenario(scenario);
+  install.SetScenario(EngineScenario().On(114).Output(0));
   fs::path other = MakeExchange(install, "other code");
   ASSERT_EQ(RunToEnd(install, 115, other), WaitOutcome::kExited);
   EXPECT_EQ(Answered(other), Names{});
@@ -158,7 +126,6 @@ TEST(EngineRefJournal, RecordsRequestParametersAndFoldersExactly) {
   EngineInstall install({.folder_name = L"Tavrin E \u00dcn\u00ef \u20ac"});
   fs::path folder = install.path() / platform::ToFsPath(L"Anna M\u00fcller") / "Temp" /
                     "H_1_02_003";
-  fs::create_directories(folder);
   const std::string request = Utf16LeFile(L"10.0.0.1\r\n443\r\ncde\r\n\r\n\r\n1234567\r\n");
   const std::string restore_to = Utf16LeFile(L"D:\\Restore here\r\n");
   WriteFileBytes(folder / "DLLInput.txt", request);
@@ -185,9 +152,7 @@ TEST(EngineRefJournal, RecordsRequestParametersAndFoldersExactly) {
 
 TEST(EngineRefJournal, AliasNamesShareTheQueue) {
   EngineInstall install({.aliases = {L"TavrinEClsClient.exe"}});
-  EngineScenario scenario;
-  scenario.On(114).Output(-416).Then().Output(0);
-  install.SetScenario(scenario);
+  install.SetScenario(EngineScenario().On(114).Output(-416).Then().Output(0));
 
   fs::path first = MakeExchange(install, "1"), second = MakeExchange(install, "2");
   ASSERT_EQ(RunToEnd(install, 114, first, L"TavrinEClsClient.exe"), WaitOutcome::kExited);
@@ -216,7 +181,7 @@ TEST(EngineRefJournal, ParameterTextIsParsedUpToTheLastBracket) {
       {L" <" + base + L"x>", std::nullopt, L""},
       {L" 115<" + base + L"x", std::nullopt, L""},
   };
-  for (const Case& c : cases) ASSERT_EQ(RunToEnd(install, c.params), WaitOutcome::kExited);
+  for (const Case& c : cases) ASSERT_EQ(install.Run(c.params), WaitOutcome::kExited);
 
   auto journal = install.Journal();
   ASSERT_EQ(journal.size(), cases.size());
@@ -235,9 +200,7 @@ TEST(EngineRefJournal, BrokenScenarioIsReportedNotPlayed) {
   ASSERT_EQ(RunToEnd(install, 115, folder), WaitOutcome::kExited);
   EXPECT_EQ(Answered(folder), Names{});
 
-  EngineScenario scenario;
-  scenario.On(114).Output(0).CopyFile("missing.txt", "Quota.txt");
-  install.SetScenario(scenario);
+  install.SetScenario(EngineScenario().On(114).Output(0).CopyFile("missing.txt", "Quota.txt"));
   ASSERT_EQ(RunToEnd(install, 114, folder), WaitOutcome::kExited);
   EXPECT_EQ(Answered(folder), Names{});
 
@@ -249,9 +212,7 @@ TEST(EngineRefJournal, BrokenScenarioIsReportedNotPlayed) {
 
 TEST(EngineRefLifetime, MissingExchangeFolderStaysMissing) {
   EngineInstall install;
-  EngineScenario scenario;
-  scenario.On(115).Output(0);
-  install.SetScenario(scenario);
+  install.SetScenario(EngineScenario().On(115).Output(0));
   fs::path folder = install.path() / "Temp" / "never made";
   ASSERT_EQ(RunToEnd(install, 115, folder), WaitOutcome::kExited);
   EXPECT_FALSE(fs::exists(folder));
@@ -262,38 +223,33 @@ TEST(EngineRefLifetime, MissingExchangeFolderStaysMissing) {
 
 TEST(EngineRefLifetime, HangingEngineIsKilledWithoutAnswer) {
   EngineInstall install;
-  EngineScenario scenario;
-  scenario.On(115).Hang().Output(0);
-  install.SetScenario(scenario);
+  install.SetScenario(EngineScenario().On(115).Hang().Output(0));
   fs::path folder = MakeExchange(install, "hang");
-  auto process = Start(install, Parameters(115, platform::FromFsPath(folder)));
+  auto process = install.Start(engine::EngineParameters(115, platform::FromFsPath(folder)));
   ASSERT_NE(process, nullptr);
   EXPECT_EQ(process->Wait(500), WaitOutcome::kStillRunning);
   EXPECT_TRUE(process->Terminate(0));
-  EXPECT_EQ(process->Wait(kRunLimitMs), WaitOutcome::kExited);
+  EXPECT_EQ(process->Wait(30000), WaitOutcome::kExited);
   EXPECT_EQ(Answered(folder), Names{});
   EXPECT_EQ(install.Journal().size(), 1u);  // journaled before it hung
 }
 
 TEST(EngineRefLifetime, DelayHoldsTheAnswerBack) {
   EngineInstall install;
-  EngineScenario scenario;
-  scenario.On(114).Delay(1500).Output(0);
-  install.SetScenario(scenario);
+  install.SetScenario(EngineScenario().On(114).Delay(1500).Output(0));
   fs::path folder = MakeExchange(install, "delay");
-  auto process = Start(install, Parameters(114, platform::FromFsPath(folder)));
+  auto process = install.Start(engine::EngineParameters(114, platform::FromFsPath(folder)));
   ASSERT_NE(process, nullptr);
   EXPECT_EQ(process->Wait(300), WaitOutcome::kStillRunning);
   EXPECT_EQ(Answered(folder), Names{});
-  ASSERT_EQ(process->Wait(kRunLimitMs), WaitOutcome::kExited);
+  ASSERT_EQ(process->Wait(30000), WaitOutcome::kExited);
   EXPECT_EQ(ReadFileBytes(folder / "DLLOutput.txt"), "0\r\n");
 }
 
 TEST(EngineRefLifetime, CrashesLeaveNoResultOrHalfAFile) {
   EngineInstall install;
-  EngineScenario scenario;
-  scenario.On(115).Crash().Output(0).Then().CrashHalfway("Backupfile.txt", "0123456789a").Output(0);
-  install.SetScenario(scenario);
+  install.SetScenario(EngineScenario().On(115).Crash().Output(0).Then().CrashHalfway(
+      "Backupfile.txt", "0123456789a").Output(0));
   fs::path crash = MakeExchange(install, "crash"), half = MakeExchange(install, "half");
   ASSERT_EQ(RunToEnd(install, 115, crash), WaitOutcome::kExited);
   ASSERT_EQ(RunToEnd(install, 115, half), WaitOutcome::kExited);
