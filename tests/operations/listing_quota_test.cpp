@@ -63,9 +63,7 @@ TEST_F(Listing, UnregisteredMachineReturns401UnlessRenewalIsPermitted) {
   foundation::CurrentSettings().renew_random_permitted = true;
   clock_.ClearPauses();
   EXPECT_EQ(clsAPI_Interface().API_REMOTE(CallerFolder(L"m2")), 402);
-  std::vector<int> codes;
-  for (const auto& run : install_.Journal()) codes.push_back(run.code.value_or(-1));
-  EXPECT_EQ(codes, (std::vector<int>{115, 5, 115}));
+  EXPECT_EQ(install_.Codes(), (std::vector<int>{115, 5, 115}));
   EXPECT_EQ(clock_.CountPauses(500), 1u);
 }
 
@@ -124,7 +122,6 @@ TEST_F(Quota, OneLineQuotaLeavesMaxAtZeroAndNoFileGivesMinusOne) {
 
 TEST_F(Quota, FourBusyAnswersShowTheConnectionBoxAndDropLoginProgress) {
   install_.SetScenario(EngineScenario().On(114).Info(-416));
-  fs::create_directories(platform::ToFsPath(UserFolder()));
   testing::WriteFileBytes(platform::ToFsPath(UserFolder()) / "LoginProgress.txt", "1");
   double max_size = 5, used = 5;
   EXPECT_EQ(clsAPI_Interface().API_GetQuota(max_size, used), 0);
@@ -142,9 +139,7 @@ TEST_F(Quota, NetworkFailureLogsInAgainAndRetries) {
                            .On(116).Output(402));
   double max_size = 0, used = 0;
   clsAPI_Interface().API_GetQuota(max_size, used);
-  std::vector<int> codes;
-  for (const auto& run : install_.Journal()) codes.push_back(run.code.value_or(-1));
-  EXPECT_EQ(codes, (std::vector<int>{114, 116, 114}));
+  EXPECT_EQ(install_.Codes(), (std::vector<int>{114, 116, 114}));
   EXPECT_EQ(clock_.CountPauses(100), 1u);
   EXPECT_EQ(max_size, 2.0);
 }

@@ -11,6 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::EngineScenario;
+using testing::RequestLine;
 using testing::SessionTest;
 
 std::size_t CountFolders(const std::wstring& folder) {
@@ -18,15 +19,6 @@ std::size_t CountFolders(const std::wstring& folder) {
   if (!fs::is_directory(platform::ToFsPath(folder), ignored)) return 0;
   return static_cast<std::size_t>(std::distance(fs::directory_iterator(platform::ToFsPath(folder)),
                                                 fs::directory_iterator()));
-}
-
-// Line 6 of a request file: the random-number field.
-std::string RequestLine(const std::string& utf16_request, int line_number) {
-  std::string text;
-  for (std::size_t i = 2; i + 1 < utf16_request.size(); i += 2) text += utf16_request[i];
-  std::size_t start = 0;
-  for (int line = 1; line < line_number; ++line) start = text.find("\r\n", start) + 2;
-  return text.substr(start, text.find("\r\n", start) - start);
 }
 
 using SilentLogin = SessionTest;
@@ -39,8 +31,7 @@ TEST_F(SilentLogin, TransientAnswersAreRetriedTenTimesThenTheFolderIsRemoved) {
   for (const auto& run : runs) {
     EXPECT_EQ(run.code, 116);
     EXPECT_EQ(run.program, L"TavrinEClsClient.exe");
-    ASSERT_TRUE(run.request.has_value());
-    EXPECT_EQ(RequestLine(*run.request, 6), "MACHINECODEREADONLY");
+    EXPECT_EQ(RequestLine(run, 6), L"MACHINECODEREADONLY");
   }
   EXPECT_EQ(clock_.CountPauses(2000), 9u);
   EXPECT_EQ(CountFolders(TempRoot()), 0u);
@@ -84,9 +75,9 @@ TEST_F(UpdateRandom, StoresTheNewNumberWhateverTheAnswerBut416) {
   EXPECT_EQ(clsAPI_Interface().API_UPDATE_RAND_NUM(), -401);
   auto runs = install_.Journal();
   ASSERT_EQ(runs.size(), 1u);
-  std::string sent = RequestLine(*runs[0].request, 6);
-  EXPECT_NE(sent, "old");
-  EXPECT_EQ(platform::WideToUtf8(profile::GetUserProfile(L"random")), sent);
+  std::wstring sent = RequestLine(runs[0], 6);
+  EXPECT_NE(sent, L"old");
+  EXPECT_EQ(profile::GetUserProfile(L"random"), sent);
   EXPECT_EQ(CountFolders(TempRoot()), 0u);
 }
 
@@ -115,7 +106,7 @@ TEST_F(Entry, StartsTheLoginRunInTheCallersFolderAndReturnsAtOnce) {
   auto runs = install_.Journal();
   ASSERT_EQ(runs.size(), 1u);
   EXPECT_EQ(runs[0].params, engine::EngineParameters(110, folder));
-  EXPECT_EQ(RequestLine(*runs[0].request, 6), "Does not exist");
+  EXPECT_EQ(RequestLine(runs[0], 6), L"Does not exist");
 }
 
 TEST_F(Entry, MissingEngineGivesMinusOne) {
