@@ -18,6 +18,13 @@ std::wstring UserKey(const ProfileStore& store, const std::wstring& user) {
   return store.root_key() + L"\\" + user;
 }
 
+// A store of an installation of its own.
+class FreshStore : public ::testing::Test {
+ protected:
+  ProfileFixture fixture_;
+  ProfileStore store_ = fixture_.Store();
+};
+
 TEST(ProfileStore, RootKeyDropsTheInstallationNamesOuterSeparators) {
   EXPECT_EQ(RootKeyFor(L"\\TavrinE\\"), L"Software\\Brennick\\TavrinE");
   EXPECT_EQ(RootKeyFor(L"TavrinE/"), L"Software\\Brennick\\TavrinE");
@@ -26,10 +33,8 @@ TEST(ProfileStore, RootKeyDropsTheInstallationNamesOuterSeparators) {
   EXPECT_EQ(RootKeyFor(L""), L"");
 }
 
-TEST(ProfileStore, ValuesRoundTripAsPlainTextWhateverTheyHold) {
-  ProfileFixture fixture;
-  ProfileStore store = fixture.Store();
-  ASSERT_TRUE(store.SetCurrentUser(L"J\u00FCrgen"));
+TEST_F(FreshStore, ValuesRoundTripAsPlainTextWhateverTheyHold) {
+  ASSERT_TRUE(store_.SetCurrentUser(L"J\u00FCrgen"));
   const std::wstring names[] = {L"username", L"password", L"encpassword", L"encpasswordnew",
                                 L"ProxyPass", L"serverip", L"InteractiveLists"};
   const std::wstring values[] = {
@@ -38,108 +43,96 @@ TEST(ProfileStore, ValuesRoundTripAsPlainTextWhateverTheyHold) {
   };
   for (const std::wstring& name : names) {
     for (const std::wstring& value : values) {
-      ASSERT_TRUE(store.Update(name, value));
-      EXPECT_EQ(fixture.Store().Get(name), value)
+      ASSERT_TRUE(store_.Update(name, value));
+      EXPECT_EQ(fixture_.Store().Get(name), value)
           << ::testing::PrintToString(name) << " = " << ::testing::PrintToString(value);
     }
   }
 }
 
-TEST(ProfileStore, SecretsNeverReachTheBackingStoreAsPlainText) {
-  ProfileFixture fixture;
-  ProfileStore store = fixture.Store();
-  ASSERT_TRUE(store.SetCurrentUser(L"alice"));
+TEST_F(FreshStore, SecretsNeverReachTheBackingStoreAsPlainText) {
+  ASSERT_TRUE(store_.SetCurrentUser(L"alice"));
   const std::wstring secret = L"hunter2-Geheimnis";
   // Registry names ignore case, so every spelling is the same protected value.
   for (const wchar_t* name : {L"password", L"Password", L"ENCPASSWORD", L"encpasswordnew",
                               L"ProxyPass", L"proxypass"}) {
-    ASSERT_TRUE(store.Update(name, secret));
-    std::optional<std::wstring> raw = store.registry().ReadString(UserKey(store, L"alice"), name);
+    ASSERT_TRUE(store_.Update(name, secret));
+    std::optional<std::wstring> raw = store_.registry().ReadString(UserKey(store_, L"alice"), name);
     ASSERT_TRUE(raw) << ::testing::PrintToString(name);
     EXPECT_EQ(raw->find(L"hunter2"), std::wstring::npos) << ::testing::PrintToString(name);
-    EXPECT_EQ(store.Get(name), secret);
+    EXPECT_EQ(store_.Get(name), secret);
   }
-  if (fixture.FileBacked()) {
+  if (fixture_.FileBacked()) {
     EXPECT_EQ(ReadFileBytes(platform::ToFsPath(ProfileStoreFile())).find("hunter2"),
               std::string::npos);
   }
   // Ordinary values stay readable REG_SZ text for anyone who looks.
-  ASSERT_TRUE(store.Update(L"username", L"alice"));
-  EXPECT_EQ(store.registry().ReadString(UserKey(store, L"alice"), L"username"), L"alice");
+  ASSERT_TRUE(store_.Update(L"username", L"alice"));
+  EXPECT_EQ(store_.registry().ReadString(UserKey(store_, L"alice"), L"username"), L"alice");
 }
 
-TEST(ProfileStore, KeepsTheDesignedLayout) {
-  ProfileFixture fixture;
-  ProfileStore store = fixture.Store();
-  ASSERT_TRUE(store.Update(kCurrentUserValue, L"bob"));
-  ASSERT_TRUE(store.Update(kDefaultUserValue, L"bob"));
-  ASSERT_TRUE(store.Update(L"serverip", L"10.0.0.1"));
-  platform::Registry& registry = store.registry();
-  EXPECT_EQ(registry.ReadString(store.root_key(), L"CurrentUser"), L"bob");
-  EXPECT_EQ(registry.ReadString(store.root_key(), L"Default User name"), L"bob");
-  EXPECT_EQ(registry.ReadString(UserKey(store, L"bob"), L"serverip"), L"10.0.0.1");
+TEST_F(FreshStore, KeepsTheDesignedLayout) {
+  ASSERT_TRUE(store_.Update(kCurrentUserValue, L"bob"));
+  ASSERT_TRUE(store_.Update(kDefaultUserValue, L"bob"));
+  ASSERT_TRUE(store_.Update(L"serverip", L"10.0.0.1"));
+  platform::Registry& registry = store_.registry();
+  EXPECT_EQ(registry.ReadString(store_.root_key(), L"CurrentUser"), L"bob");
+  EXPECT_EQ(registry.ReadString(store_.root_key(), L"Default User name"), L"bob");
+  EXPECT_EQ(registry.ReadString(UserKey(store_, L"bob"), L"serverip"), L"10.0.0.1");
   // The globals never land in a user's subkey, whatever the spelling.
-  ASSERT_TRUE(store.UpdateForUser(L"bob", L"currentuser", L"carol"));
-  EXPECT_EQ(registry.ReadString(UserKey(store, L"bob"), L"CurrentUser"), std::nullopt);
-  EXPECT_EQ(store.CurrentUser(), L"carol");
-  EXPECT_EQ(store.Get(L"CurrentUser"), L"carol");
+  ASSERT_TRUE(store_.UpdateForUser(L"bob", L"currentuser", L"carol"));
+  EXPECT_EQ(registry.ReadString(UserKey(store_, L"bob"), L"CurrentUser"), std::nullopt);
+  EXPECT_EQ(store_.CurrentUser(), L"carol");
+  EXPECT_EQ(store_.Get(L"CurrentUser"), L"carol");
 }
 
-TEST(ProfileStore, SwitchingTheCurrentUserSwitchesEveryValue) {
-  ProfileFixture fixture;
-  ProfileStore store = fixture.Store();
-  ASSERT_TRUE(store.SetCurrentUser(L"alice"));
-  ASSERT_TRUE(store.Update(L"password", L"alice-pw"));
-  ASSERT_TRUE(store.Update(L"port", L"443"));
-  ASSERT_TRUE(store.SetCurrentUser(L"bob"));
-  EXPECT_EQ(store.Get(L"password"), L"");
-  EXPECT_EQ(store.Get(L"port"), L"");
-  ASSERT_TRUE(store.Update(L"password", L"bob-pw"));
-  ASSERT_TRUE(store.SetCurrentUser(L"ALICE"));
-  EXPECT_EQ(store.Get(L"password"), L"alice-pw");
-  EXPECT_EQ(store.GetForUser(L"bob", L"password"), L"bob-pw");
-  EXPECT_EQ(store.Get(L"port"), L"443");
+TEST_F(FreshStore, SwitchingTheCurrentUserSwitchesEveryValue) {
+  ASSERT_TRUE(store_.SetCurrentUser(L"alice"));
+  ASSERT_TRUE(store_.Update(L"password", L"alice-pw"));
+  ASSERT_TRUE(store_.Update(L"port", L"443"));
+  ASSERT_TRUE(store_.SetCurrentUser(L"bob"));
+  EXPECT_EQ(store_.Get(L"password"), L"");
+  EXPECT_EQ(store_.Get(L"port"), L"");
+  ASSERT_TRUE(store_.Update(L"password", L"bob-pw"));
+  ASSERT_TRUE(store_.SetCurrentUser(L"ALICE"));
+  EXPECT_EQ(store_.Get(L"password"), L"alice-pw");
+  EXPECT_EQ(store_.GetForUser(L"bob", L"password"), L"bob-pw");
+  EXPECT_EQ(store_.Get(L"port"), L"443");
 }
 
-TEST(ProfileStore, WithoutACurrentUserNothingIsReadOrWritten) {
-  ProfileFixture fixture;
-  ProfileStore store = fixture.Store();
-  EXPECT_EQ(store.CurrentUser(), L"");  // no store file or key yet
-  EXPECT_TRUE(store.Users().empty());
-  ASSERT_TRUE(store.UpdateForUser(L"alice", L"username", L"alice"));
-  EXPECT_EQ(store.Get(L"username"), L"");
-  EXPECT_FALSE(store.Update(L"username", L"stray"));
-  EXPECT_TRUE(store.registry().ListValues(store.root_key()).empty());
-  EXPECT_EQ(store.GetForUser(L"alice", L"username"), L"alice");
+TEST_F(FreshStore, WithoutACurrentUserNothingIsReadOrWritten) {
+  EXPECT_EQ(store_.CurrentUser(), L"");  // no store_ file or key yet
+  EXPECT_TRUE(store_.Users().empty());
+  ASSERT_TRUE(store_.UpdateForUser(L"alice", L"username", L"alice"));
+  EXPECT_EQ(store_.Get(L"username"), L"");
+  EXPECT_FALSE(store_.Update(L"username", L"stray"));
+  EXPECT_TRUE(store_.registry().ListValues(store_.root_key()).empty());
+  EXPECT_EQ(store_.GetForUser(L"alice", L"username"), L"alice");
   // Clearing the current user ends writes again.
-  ASSERT_TRUE(store.SetCurrentUser(L"alice"));
-  ASSERT_TRUE(store.SetCurrentUser(L""));
-  EXPECT_FALSE(store.Update(L"username", L"stray"));
-  EXPECT_EQ(store.GetForUser(L"alice", L"username"), L"alice");
+  ASSERT_TRUE(store_.SetCurrentUser(L"alice"));
+  ASSERT_TRUE(store_.SetCurrentUser(L""));
+  EXPECT_FALSE(store_.Update(L"username", L"stray"));
+  EXPECT_EQ(store_.GetForUser(L"alice", L"username"), L"alice");
 }
 
-TEST(ProfileStore, RefusedNamesNeverBecomeKeys) {
-  ProfileFixture fixture;
-  ProfileStore store = fixture.Store();
-  ASSERT_TRUE(store.SetCurrentUser(L"alice"));
+TEST_F(FreshStore, RefusedNamesNeverBecomeKeys) {
+  ASSERT_TRUE(store_.SetCurrentUser(L"alice"));
   for (const wchar_t* name : {L"..", L"a\\b", L"../x", L"CON", L"x:y"}) {
-    EXPECT_FALSE(store.SetCurrentUser(name)) << ::testing::PrintToString(name);
-    EXPECT_FALSE(store.SetDefaultUser(name));
-    EXPECT_FALSE(store.UpdateForUser(name, L"username", L"x"));
-    EXPECT_EQ(store.GetForUser(name, L"username"), L"");
+    EXPECT_FALSE(store_.SetCurrentUser(name)) << ::testing::PrintToString(name);
+    EXPECT_FALSE(store_.SetDefaultUser(name));
+    EXPECT_FALSE(store_.UpdateForUser(name, L"username", L"x"));
+    EXPECT_EQ(store_.GetForUser(name, L"username"), L"");
   }
-  EXPECT_EQ(store.CurrentUser(), L"alice");
-  EXPECT_TRUE(store.registry().ListSubkeys(store.root_key()).empty());
+  EXPECT_EQ(store_.CurrentUser(), L"alice");
+  EXPECT_TRUE(store_.registry().ListSubkeys(store_.root_key()).empty());
 }
 
-TEST(ProfileStore, ATamperedCurrentUserIsNoUserAtAll) {
-  ProfileFixture fixture;
-  ProfileStore store = fixture.Store();
-  ASSERT_TRUE(store.registry().WriteString(store.root_key(), L"CurrentUser", L"..\\..\\evil"));
-  ASSERT_TRUE(store.registry().WriteString(UserKey(store, L"..\\..\\evil"), L"username", L"x"));
-  EXPECT_EQ(store.CurrentUser(), L"");
-  EXPECT_EQ(store.Get(L"username"), L"");
-  EXPECT_FALSE(store.Update(L"username", L"y"));
+TEST_F(FreshStore, ATamperedCurrentUserIsNoUserAtAll) {
+  ASSERT_TRUE(store_.registry().WriteString(store_.root_key(), L"CurrentUser", L"..\\..\\evil"));
+  ASSERT_TRUE(store_.registry().WriteString(UserKey(store_, L"..\\..\\evil"), L"username", L"x"));
+  EXPECT_EQ(store_.CurrentUser(), L"");
+  EXPECT_EQ(store_.Get(L"username"), L"");
+  EXPECT_FALSE(store_.Update(L"username", L"y"));
 }
 
 TEST(ProfileStore, BrokenStoreFileGivesEmptyValuesAndCanBeWrittenAgain) {
@@ -177,17 +170,15 @@ TEST(ProfileStore, TwoInstallationsAreKeptApart) {
   EXPECT_EQ(second.CurrentUser(), L"bob");
 }
 
-TEST(ProfileStore, DeletingAUserForgetsItEverywhereInTheStore) {
-  ProfileFixture fixture;
-  ProfileStore store = fixture.Store();
-  ASSERT_TRUE(store.UpdateForUser(L"alice", L"username", L"alice"));
-  ASSERT_TRUE(store.UpdateForUser(L"alicia", L"username", L"alicia"));
-  ASSERT_TRUE(store.SetCurrentUser(L"alice"));
-  ASSERT_TRUE(store.SetDefaultUser(L"alice"));
-  ASSERT_TRUE(store.DeleteUser(L"ALICE"));
-  EXPECT_EQ(store.CurrentUser(), L"");
-  EXPECT_EQ(store.DefaultUser(), L"");
-  EXPECT_EQ(store.Users(), std::vector<std::wstring>{L"alicia"});
+TEST_F(FreshStore, DeletingAUserForgetsItEverywhereInTheStore) {
+  ASSERT_TRUE(store_.UpdateForUser(L"alice", L"username", L"alice"));
+  ASSERT_TRUE(store_.UpdateForUser(L"alicia", L"username", L"alicia"));
+  ASSERT_TRUE(store_.SetCurrentUser(L"alice"));
+  ASSERT_TRUE(store_.SetDefaultUser(L"alice"));
+  ASSERT_TRUE(store_.DeleteUser(L"ALICE"));
+  EXPECT_EQ(store_.CurrentUser(), L"");
+  EXPECT_EQ(store_.DefaultUser(), L"");
+  EXPECT_EQ(store_.Users(), std::vector<std::wstring>{L"alicia"});
 }
 
 TEST(ProfileStore, WithoutAnInstallationNameTheStoreIsClosed) {
