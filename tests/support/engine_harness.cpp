@@ -72,32 +72,6 @@ EngineScenario& EngineScenario::Add(std::string line) {
   return *this;
 }
 
-EngineScenario& EngineScenario::Output(long long value) {
-  return Add("output " + std::to_string(value));
-}
-EngineScenario& EngineScenario::OutputText(std::string_view line) {
-  return Add("output " + std::string(line));
-}
-EngineScenario& EngineScenario::Info(long long code) { return Add("info " + std::to_string(code)); }
-EngineScenario& EngineScenario::Info(long long code, std::string_view description) {
-  return Add("info " + std::to_string(code) + " " + std::string(description));
-}
-EngineScenario& EngineScenario::WithFile(std::string_view name, std::string_view bytes) {
-  return Add("bytes " + std::string(name) + " " + Hex(bytes));
-}
-EngineScenario& EngineScenario::CopyFile(std::string_view source, std::string_view target) {
-  return Add("copy " + std::string(source) + " -> " + std::string(target));
-}
-EngineScenario& EngineScenario::Delay(unsigned ms) { return Add("delay " + std::to_string(ms)); }
-EngineScenario& EngineScenario::Hang() { return Add("hang"); }
-EngineScenario& EngineScenario::Crash() { return Add("crash"); }
-EngineScenario& EngineScenario::CrashHalfway(std::string_view name, std::string_view bytes) {
-  return Add("half bytes " + std::string(name) + " " + Hex(bytes));
-}
-EngineScenario& EngineScenario::Exit(int exit_code) {
-  return Add("exit " + std::to_string(exit_code));
-}
-
 std::string EngineScenario::Text() const {
   std::string text;
   for (const auto& [code, answers] : queues_) {

@@ -15,6 +15,8 @@
 
 namespace tavrine::testing {
 
+std::string Hex(std::string_view bytes);  // lower-case, as the journals write bytes
+
 // Builds the reference engine's engine-scenario.txt (format: tools/engine/README.md).
 //   scenario.On(115).Output(-416).Then().Output(0).WithFile("Backupfile.txt", bytes);
 // Calls add actions to the open answer, in the order the engine plays them.
@@ -25,20 +27,30 @@ class EngineScenario {
   // Opens the next answer of the selected code. A code's last answer repeats.
   EngineScenario& Then();
 
-  EngineScenario& Output(long long value);        // DLLOutput.txt "value\r\n"
-  EngineScenario& OutputText(std::string_view line);  // DLLOutput.txt "line\r\n", any text
-  EngineScenario& Info(long long code);           // DLLOutputInfo.txt "code\r\n"
-  EngineScenario& Info(long long code, std::string_view description);
+  // DLLOutput.txt "value\r\n"; OutputText writes any text as the line.
+  EngineScenario& Output(long long value) { return Add("output " + std::to_string(value)); }
+  EngineScenario& OutputText(std::string_view line) { return Add("output " + std::string(line)); }
+  // DLLOutputInfo.txt "code\r\n", then the description line if there is one.
+  EngineScenario& Info(long long code) { return Add("info " + std::to_string(code)); }
+  EngineScenario& Info(long long code, std::string_view description) {
+    return Add("info " + std::to_string(code) + " " + std::string(description));
+  }
   // A file of exactly these bytes in the exchange folder (garbage included).
-  EngineScenario& WithFile(std::string_view name, std::string_view bytes);
+  EngineScenario& WithFile(std::string_view name, std::string_view bytes) {
+    return Add("bytes " + std::string(name) + " " + Hex(bytes));
+  }
   // Copies a file lying beside the engine (EngineInstall::WriteFile) into the exchange folder.
-  EngineScenario& CopyFile(std::string_view source, std::string_view target);
-  EngineScenario& Delay(unsigned ms);
-  EngineScenario& Hang();   // until killed
-  EngineScenario& Crash();  // abnormal exit, nothing more written
+  EngineScenario& CopyFile(std::string_view source, std::string_view target) {
+    return Add("copy " + std::string(source) + " -> " + std::string(target));
+  }
+  EngineScenario& Delay(unsigned ms) { return Add("delay " + std::to_string(ms)); }
+  EngineScenario& Hang() { return Add("hang"); }    // until killed
+  EngineScenario& Crash() { return Add("crash"); }  // abnormal exit, nothing more written
   // Writes the first half of these bytes, then crashes.
-  EngineScenario& CrashHalfway(std::string_view name, std::string_view bytes);
-  EngineScenario& Exit(int exit_code);
+  EngineScenario& CrashHalfway(std::string_view name, std::string_view bytes) {
+    return Add("half bytes " + std::string(name) + " " + Hex(bytes));
+  }
+  EngineScenario& Exit(int exit_code) { return Add("exit " + std::to_string(exit_code)); }
 
   std::string Text() const;
 
@@ -86,7 +98,6 @@ using JournalLine = std::map<std::string, std::string, std::less<>>;
 std::vector<JournalLine> ReadJournal(const std::filesystem::path& file);  // none when absent
 std::wstring JournalText(const JournalLine& line, std::string_view key);
 std::optional<std::string> JournalBytes(const JournalLine& line, std::string_view key);
-std::string Hex(std::string_view bytes);  // lower-case, as the journals write bytes
 
 // A throw-away install folder holding the reference engine. While alive it is
 // the library's module folder on this thread.
