@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cwctype>
 
 #include "backup/compare_harness.h"
 #include "platform/path.h"
@@ -31,8 +33,7 @@ class CompareProgram : public ::testing::Test {
   // The remote form: the local path with backslashes.
   std::wstring Remote(const fs::path& p) const {
     std::wstring text = Text(p);
-    for (wchar_t& c : text)
-      if (c == L'/') c = L'\\';
+    std::replace(text.begin(), text.end(), L'/', L'\\');
     return text;
   }
   void MakeFile(const fs::path& p, const std::string& bytes) const {
@@ -76,9 +77,7 @@ TEST_F(CompareProgram, NewAndChangedFilesAreToBeBackedUp) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     std::wstring path = Remote(file);
-    if (c.upper_case)
-      for (wchar_t& ch : path)
-        if (ch >= L'a' && ch <= L'z') ch = ch - L'a' + L'A';
+    if (c.upper_case) std::transform(path.begin(), path.end(), path.begin(), ::towupper);
     std::wstring listing =
         c.listed_size.empty() ? L"" : path + L"/2/" + c.listed_size + L"/" + c.listed_date + L"/U\r\n";
     ASSERT_EQ(Compare(Text(file) + L"\r\n0\r\n", listing), 0);

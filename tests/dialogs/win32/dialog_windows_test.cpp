@@ -129,27 +129,23 @@ class Driver {
   std::thread thread_;
 };
 
+// One colour; a row of 40 pixels is 120 bytes, which needs no padding.
 void WriteBmp(const fs::path& file, COLORREF color) {
   const int width = 40, height = 20;
-  BITMAPFILEHEADER header{};
   BITMAPINFOHEADER info{sizeof(info), width, height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
-  const int stride = (width * 3 + 3) & ~3;
-  std::vector<std::uint8_t> pixels(static_cast<std::size_t>(stride) * height);
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      std::uint8_t* p = &pixels[static_cast<std::size_t>(y) * stride + x * 3];
-      p[0] = GetBValue(color);
-      p[1] = GetGValue(color);
-      p[2] = GetRValue(color);
-    }
+  std::string pixels;
+  for (int i = 0; i < width * height; ++i) {
+    pixels += {static_cast<char>(GetBValue(color)), static_cast<char>(GetGValue(color)),
+               static_cast<char>(GetRValue(color))};
   }
+  BITMAPFILEHEADER header{};
   header.bfType = 0x4D42;
   header.bfOffBits = sizeof(header) + sizeof(info);
   header.bfSize = header.bfOffBits + static_cast<DWORD>(pixels.size());
   std::ofstream out(file, std::ios::binary);
   out.write(reinterpret_cast<const char*>(&header), sizeof(header));
   out.write(reinterpret_cast<const char*>(&info), sizeof(info));
-  out.write(reinterpret_cast<const char*>(pixels.data()), static_cast<std::streamsize>(pixels.size()));
+  out << pixels;
 }
 
 // An engine install in `language`, the language files beside it and a clean profile.
