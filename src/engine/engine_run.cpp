@@ -82,6 +82,21 @@ RunEnd WaitPlain(platform::RunningProcess* process) {
   return WaitInSlices(process, kPlainSliceMs, [] { return false; });
 }
 
+RunEnd WaitPausing(platform::RunningProcess* process, std::uint32_t pause_ms) {
+  return WaitInSlices(process, kPlainSliceMs, [pause_ms] {
+    platform::CurrentClock().Sleep(pause_ms);
+    return false;
+  });
+}
+
+RunEnd WaitPumping(platform::RunningProcess* process, std::uint32_t pause_ms) {
+  return WaitInSlices(process, kPlainSliceMs, [pause_ms] {
+    platform::CurrentUi().PumpMessages();
+    platform::CurrentClock().Sleep(pause_ms);
+    return false;
+  });
+}
+
 RunEnd WaitCancellable(platform::RunningProcess* process, const std::wstring& cancel_marker) {
   return WaitInSlices(process, kCancellableSliceMs, [&cancel_marker] {
     platform::CurrentUi().PumpMessages();

@@ -41,6 +41,11 @@ enum class RunEnd { kExited, kCancelled, kTimedOut, kNotStarted };
 // engine time-out (the engine is then terminated).
 RunEnd WaitPlain(platform::RunningProcess* process);
 
+// Waits in 300 ms slices with a pause of `pause_ms` after each; WaitPumping
+// lets window messages run before each pause. Bounded like WaitPlain.
+RunEnd WaitPausing(platform::RunningProcess* process, std::uint32_t pause_ms);
+RunEnd WaitPumping(platform::RunningProcess* process, std::uint32_t pause_ms);
+
 // Waits in 1000 ms slices; after each slice lets window messages run and, when
 // `cancel_marker` exists, terminates the engine. Bounded like WaitPlain.
 RunEnd WaitCancellable(platform::RunningProcess* process, const std::wstring& cancel_marker);

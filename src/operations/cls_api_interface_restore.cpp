@@ -23,6 +23,7 @@ using foundation::JoinPath;
 
 constexpr const wchar_t* kMachineCodeReadOnly = L"MACHINECODEREADONLY";
 constexpr int kVersionAttempts = 3;
+constexpr std::uint32_t kPauseMs = 100;
 
 std::wstring WithoutTrailingBackslash(const std::wstring& path) {
   if (!path.empty() && path.back() == L'\\') return path.substr(0, path.size() - 1);
@@ -133,14 +134,14 @@ std::int32_t clsAPI_Interface::API_GETVERSIONS(const std::wstring& filepath, std
         value = -1;
         break;
       }
-      engine::WaitPlain(process.get());
+      engine::WaitPausing(process.get(), kPauseMs);
       client_.ReadDLLOutputFileTempFd(pstrtemp, has_result, description, value);
       const std::int32_t code = foundation::RoundToInt32(value);
       if (code == -416) {
-        platform::CurrentClock().Sleep(100);
+        platform::CurrentClock().Sleep(kPauseMs);
       } else if (code == -504) {
         UICommands().W_AutoReconnect();
-        platform::CurrentClock().Sleep(100);
+        platform::CurrentClock().Sleep(kPauseMs);
         client_.LoadConfigurations();
       } else {
         break;

@@ -6,7 +6,10 @@
 
 #include "foundation/settings.h"
 #include "platform/path.h"
+#include "platform/services.h"
 #include "support/engine_harness.h"
+#include "support/fake_clock.h"
+#include "support/recording_ui.h"
 
 namespace tavrine::engine {
 namespace {
@@ -80,6 +83,61 @@ TEST_F(EngineRunTest, ACrashEndsTheWaitLikeAnExitWithoutResult) {
   install_.SetScenario(EngineScenario().On(114).Crash());
   EXPECT_EQ(RunEngine(FixedEngineProgram(), 114, folder_), RunEnd::kExited);
   EXPECT_FALSE(std::filesystem::exists(platform::ToFsPath(folder_) / "DLLOutput.txt"));
+}
+
+// Still running for the first `running` waits, then ended.
+class ScriptedProcess : public platform::RunningProcess {
+ public:
+  explicit ScriptedProcess(int running) : running_(running) {}
+  platform::WaitOutcome Wait(std::uint32_t timeout_ms) override {
+    waits.push_back(timeout_ms);
+    if (terminated || running_ == 0) return platform::WaitOutcome::kExited;
+    if (running_ > 0) --running_;
+    return platform::WaitOutcome::kStillRunning;
+  }
+  bool Terminate(std::uint32_t) override { return terminated = true; }
+  std::intptr_t Release() override { return 0; }
+
+  std::vector<std::uint32_t> waits;
+  bool terminated = false;
+
+ private:
+  int running_;  // negative: never ends
+};
+
+TEST(EngineWaits, SlicesPausesAndMessagesPerFlavour) {
+  struct Case {
+    const char* name;
+    RunEnd (*wait)(platform::RunningProcess*);
+    int running;
+    RunEnd end;
+    std::size_t slices;
+    std::size_t pauses;  // of 100 ms, nothing else
+    int pumps;
+  };
+  const Case cases[] = {
+      {"plain", [](platform::RunningProcess* p) { return WaitPlain(p); }, 3, RunEnd::kExited, 4, 0, 0},
+      {"pausing", [](platform::RunningProcess* p) { return WaitPausing(p, 100); }, 3, RunEnd::kExited, 4, 3, 0},
+      {"pumping", [](platform::RunningProcess* p) { return WaitPumping(p, 100); }, 3, RunEnd::kExited, 4, 3, 3},
+      {"pumping, ends at once", [](platform::RunningProcess* p) { return WaitPumping(p, 100); }, 0,
+       RunEnd::kExited, 1, 0, 0},
+      // The pauses alone reach the 1 s limit on the fake clock.
+      {"pumping, never ends", [](platform::RunningProcess* p) { return WaitPumping(p, 100); }, -1,
+       RunEnd::kTimedOut, 10, 10, 10},
+  };
+  for (const Case& c : cases) {
+    testing::FakeClock clock;
+    testing::RecordingUi ui;
+    platform::ScopedServices seams({.clock = &clock, .ui = &ui, .module_folder = {}});
+    foundation::CurrentSettings().engine_timeout_seconds = 1;
+    ScriptedProcess process(c.running);
+    EXPECT_EQ(c.wait(&process), c.end) << c.name;
+    EXPECT_EQ(process.waits, std::vector<std::uint32_t>(c.slices, 300u)) << c.name;
+    EXPECT_EQ(clock.pauses(), std::vector<std::uint32_t>(c.pauses, 100u)) << c.name;
+    EXPECT_EQ(ui.pumps(), c.pumps) << c.name;
+    EXPECT_EQ(process.terminated, c.end == RunEnd::kTimedOut) << c.name;
+  }
+  EXPECT_EQ(WaitPumping(nullptr, 100), RunEnd::kNotStarted);
 }
 
 }  // namespace

@@ -9,8 +9,10 @@
 #include "operations/cls_api_interface.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
+#include "platform/services.h"
 #include "profile/profile_store.h"
 #include "session_fixture.h"
+#include "support/slice_counting_launcher.h"
 
 namespace tavrine::testing {
 namespace {
@@ -90,13 +92,13 @@ TEST_F(RestoreTest, VersionRetries) {
     std::vector<long long> answers;  // the last one repeats
     std::int32_t result;
     std::size_t runs;
-    std::vector<std::uint32_t> pauses;
+    std::size_t retry_pauses;  // of 100 ms, besides those between the wait's slices
   };
   const Case cases[] = {
-      {"three -416 answers", {-416}, -416, 3, {100, 100, 100}},
-      {"-416 then 402", {-416, 402}, 402, 2, {100}},
-      {"first answer 402", {402}, 402, 1, {}},
-      {"-403 ends at once", {-403}, -403, 1, {}},
+      {"three -416 answers", {-416}, -416, 3, 3},
+      {"-416 then 402", {-416, 402}, 402, 2, 1},
+      {"first answer 402", {402}, 402, 1, 0},
+      {"-403 ends at once", {-403}, -403, 1, 0},
   };
   for (const Case& c : cases) {
     // Answers are counted over the whole journal, so earlier runs are padded over.
@@ -110,20 +112,32 @@ TEST_F(RestoreTest, VersionRetries) {
     }
     install_.SetScenario(scenario);
     clock_.ClearPauses();
+    SliceCountingLauncher launcher;
+    platform::ScopedServices counting({.launcher = &launcher, .module_folder = {}});
     EXPECT_EQ(operations::CRestore().W_GetVersions(L"C:\\Docs\\a.txt"), c.result) << c.name;
     EXPECT_EQ(install_.Journal().size() - before, c.runs) << c.name;
-    EXPECT_EQ(clock_.pauses(), c.pauses) << c.name;
+    EXPECT_EQ(clock_.pauses(), std::vector<std::uint32_t>(clock_.pauses().size(), 100u)) << c.name;
+    EXPECT_EQ(clock_.pauses().size() - static_cast<std::size_t>(launcher.TotalRunningSlices()),
+              c.retry_pauses)
+        << c.name;
   }
   // -403 showed the password-changed text with a stop icon.
   ASSERT_EQ(ui_.boxes().size(), 1u);
 }
 
-TEST_F(RestoreTest, VersionsFolderIsTheMethodsOwn) {
-  install_.SetScenario(EngineScenario().On(113).Output(402));
+TEST_F(RestoreTest, VersionsFolderIsTheMethodsOwnAndTheWaitPausesWithoutMessages) {
+  install_.SetScenario(EngineScenario().On(113).Delay(700).Output(402));
+  SliceCountingLauncher launcher;
+  platform::ScopedServices counting({.launcher = &launcher, .module_folder = {}});
   std::wstring folder = L"given";
   EXPECT_EQ(operations::clsAPI_Interface().API_GETVERSIONS(L"C:\\a.txt", folder), 402);
   EXPECT_EQ(folder.rfind(TempRoot(), 0), 0u);
   EXPECT_EQ(install_.Journal().back().folder, folder);
+  // A 100 ms pause after every 300 ms slice the engine was still running, no messages.
+  EXPECT_GE(launcher.TotalRunningSlices(), 2);
+  EXPECT_EQ(clock_.pauses(),
+            std::vector<std::uint32_t>(static_cast<std::size_t>(launcher.TotalRunningSlices()), 100u));
+  EXPECT_EQ(ui_.pumps(), 0);
 }
 
 }  // namespace
