@@ -10,6 +10,7 @@
 #include "browsing/file_time.h"
 #include "foundation/trace_log.h"
 #include "platform/path.h"
+#include "platform/services.h"
 
 namespace tavrine::browsing {
 
@@ -428,6 +429,9 @@ bool RemoteListing::AddFile(const std::wstring& path, const std::wstring& machin
   while (lines.Next(line) && AddLine(line)) {
     seen_units += line.size() + 2;
     if (++seen_lines == kSampleLines) ReserveForFile(units, seen_units / seen_lines);
+    // Pending window messages run between lines, though not after every one:
+    // that would cost a large share of the load time of a long listing.
+    if (seen_lines % kLinesPerMessagePump == 0) platform::CurrentUi().PumpMessages();
   }
   return true;
 }
@@ -675,16 +679,13 @@ void RemoteListing::PlanIndexed(const Run& run, EnumCursor& cursor) const {
   cursor.sure_is_list = true;
 }
 
-std::int32_t RemoteListing::FindFirst(std::wstring_view folder, EnumCursor& cursor,
-                                      FindData& data) const {
+bool RemoteListing::Plan(std::wstring_view folder, EnumCursor& cursor) const {
   cursor = EnumCursor{};
   const clsTavrinETree* node = finished_ ? NodeFor(folder) : nullptr;
-  if (!node) {
-    SetEmptyValues(data);
-    return -1;
-  }
+  if (!node) return false;
   const Run& run = runs_[run_by_name_.at(FoldedUtf8(node->name_))];
   cursor.node = node;
+  cursor.folder.assign(folder);
   cursor.query = FoldedUtf8(folder);
   const std::string& q = cursor.query;
   if (run.has_key && q.find('/') == std::string::npos && q.compare(0, run.key.size(), run.key) == 0) {
@@ -699,11 +700,42 @@ std::int32_t RemoteListing::FindFirst(std::wstring_view folder, EnumCursor& curs
     cursor.next = static_cast<std::uint32_t>(node->first_entry_);
     cursor.last = static_cast<std::uint32_t>(node->last_entry_);
   }
+  return true;
+}
+
+std::int32_t RemoteListing::FindFirst(std::wstring_view folder, EnumCursor& cursor,
+                                      FindData& data) const {
+  if (!Plan(folder, cursor)) {
+    SetEmptyValues(data);
+    return -1;
+  }
   return Advance(cursor, data);
 }
 
 std::int32_t RemoteListing::FindNext(EnumCursor& cursor, FindData& data) const {
   return Advance(cursor, data);
+}
+
+std::int32_t RemoteListing::Continue(EnumCursor& cursor, FindData& data) const {
+  const bool walking = cursor.kind != EnumCursor::Kind::kNone;
+  const std::wstring folder = std::move(cursor.folder);
+  const std::uint32_t last_found = cursor.last_found;
+  if (!walking || !Plan(folder, cursor)) {
+    cursor = EnumCursor{};
+    SetEmptyValues(data);
+    return -1;
+  }
+  SkipBelow(cursor, last_found + 1);
+  return Advance(cursor, data);
+}
+
+void RemoteListing::SkipBelow(EnumCursor& cursor, std::uint32_t from) {
+  cursor.next = std::max(cursor.next, from);
+  if (cursor.sure_is_list) {
+    const auto& list = cursor.sure_list;
+    cursor.sure_index = static_cast<std::size_t>(std::lower_bound(list.begin(), list.end(), from) - list.begin());
+  }
+  if (cursor.check != cursor.check_end) cursor.check = std::lower_bound(cursor.check, cursor.check_end, from);
 }
 
 std::int32_t RemoteListing::Advance(EnumCursor& cursor, FindData& data) const {
@@ -750,6 +782,7 @@ std::int32_t RemoteListing::Advance(EnumCursor& cursor, FindData& data) const {
     SetEmptyValues(data);
     return -1;
   }
+  cursor.last_found = found;
   Fill(found, cursor.query, at_start, data);
   return static_cast<std::int32_t>(found);
 }

@@ -48,7 +48,9 @@ class clsTavrinETree {
 struct EnumCursor {
   enum class Kind { kNone, kIndexed, kScan };
   Kind kind = Kind::kNone;
-  std::string query;  // case-folded folder path
+  std::wstring folder;  // as asked
+  std::string query;    // case-folded folder path
+  std::uint32_t last_found = 0;
   const clsTavrinETree* node = nullptr;
   // kIndexed: sure matches, interval [next, last] or list.
   bool sure_is_list = false;
@@ -70,6 +72,9 @@ class RemoteListing {
   RemoteListing();
   RemoteListing(const RemoteListing&) = delete;
   RemoteListing& operator=(const RemoteListing&) = delete;
+
+  // While a file loads, pending window messages run after every this many lines.
+  static constexpr std::size_t kLinesPerMessagePump = 4096;
 
   // Loading. machine is "" for a single-machine account.
   void BeginFile(const std::wstring& machine);
@@ -94,6 +99,10 @@ class RemoteListing {
   // values and -1.
   std::int32_t FindFirst(std::wstring_view folder, EnumCursor& cursor, FindData& data) const;
   std::int32_t FindNext(EnumCursor& cursor, FindData& data) const;
+  // Find-next for a cursor of another (dropped or replaced) load: the folder's
+  // run on this load, from the position after the last match. Only the
+  // cursor's values are read, never its references into the other load.
+  std::int32_t Continue(EnumCursor& cursor, FindData& data) const;
 
   // Bytes held by the listing (buffers and index).
   std::size_t MemoryBytes() const;
@@ -145,7 +154,10 @@ class RemoteListing {
   std::uint32_t FindFolder(std::string_view folded, std::uint32_t hash) const;
   std::string_view FolderPath(const Folder& folder) const;
   void GrowFolderSlots();
+  // Sets the cursor before the folder's first match; false when no node has it.
+  bool Plan(std::wstring_view folder, EnumCursor& cursor) const;
   void PlanIndexed(const Run& run, EnumCursor& cursor) const;
+  static void SkipBelow(EnumCursor& cursor, std::uint32_t from);
   void CollectSubtree(std::uint32_t folder, std::vector<std::uint32_t>& out) const;
   std::int32_t Advance(EnumCursor& cursor, FindData& data) const;
   bool LineContains(std::uint32_t position, std::string_view query) const;

@@ -9,13 +9,10 @@
 #include "foundation/file_system.h"
 #include "foundation/settings.h"
 #include "foundation/text_util.h"
-#include "foundation/time_format.h"
 #include "foundation/tokenizer.h"
 #include "foundation/trace_log.h"
 #include "operations/shared_texts.h"
 #include "platform/ini_file.h"
-#include "platform/path.h"
-#include "platform/services.h"
 #include "profile/profile_store.h"
 #include "profile/safe_name.h"
 
@@ -24,6 +21,8 @@ namespace tavrine::browsing {
 namespace {
 
 using foundation::Trace;
+
+constexpr std::uint32_t kPauseMs = 100;
 
 constexpr const wchar_t* kPasswordChangedTwoLines =
     L"Login failed. Reason: The requested operation has failed due to change of password in the "
@@ -96,19 +95,17 @@ std::int16_t TavrinEenum::TavrinEInit() {
     }
     const std::wstring user_folder = BrowsingUserFolder(user_name_);
     if (!MultiplePcSupport()) foundation::CreateFolder(user_folder);
-
-    const std::wstring temp = engine::ExchangeRoot(user_folder);
-    foundation::CreateFolder(user_folder);
-    foundation::CreateFolder(temp);
-    const std::wstring folder = foundation::JoinPath(
-        temp, foundation::FormatExchangeFolderName(platform::CurrentClock().Now()) + L"_1234");
-    foundation::CreateFolder(folder);
+    const std::wstring folder = engine::MakeExchangeFolder(user_folder, L"_1234");
+    if (folder.empty()) {
+      Trace(L"TavrinEInit : exchange folder could not be created");
+      return 0;
+    }
 
     client.WriteDLLInputFileTempFdPC(
         folder, engine::ProxyArguments(proxy, engine::RandomNumberForRequest(client)));
     auto process = engine::StartEngine(engine::FixedEngineProgram(), engine::kCodeBrowseInit, folder);
     if (!process) return 0;
-    if (engine::WaitPlain(process.get()) != engine::RunEnd::kExited) return 0;
+    if (engine::WaitPumping(process.get(), kPauseMs) != engine::RunEnd::kExited) return 0;
 
     bool has_result = false;
     std::wstring description;
@@ -156,11 +153,18 @@ std::int32_t TavrinEenum::TavrinEFindFirstFile(const std::wstring& strFileName, 
 
 std::int32_t TavrinEenum::TavrinENextFile(FindData& wd) {
   try {
-    // A load dropped or replaced since the find-first ends the enumeration.
-    if (!tree_ || tree_ != CurrentBrowsingState().listing) {
+    const std::shared_ptr<const RemoteListing>& current = CurrentBrowsingState().listing;
+    if (!current) {
+      tree_.reset();
       cursor_ = EnumCursor{};
       SetEmptyValues(wd);
       return -1;
+    }
+    if (tree_ != current) {
+      // Another object of this thread loaded again: the entries are shared,
+      // so the walk goes on over the new load.
+      tree_ = current;
+      return tree_->Continue(cursor_, wd);
     }
     return tree_->FindNext(cursor_, wd);
   } catch (...) {
@@ -247,12 +251,12 @@ std::int32_t TavrinEenum::GetMultiplePCInfo() {
       Trace(L"GetMultiplePCInfo : exchange folder could not be created");
       return -1;
     }
-    operations::PreloadFailureTextsFromMessageTable();
+    operations::PresetConnectionFailureText();
 
     Trace(L"GetMultiplePCInfo :: Cmd line   119 ");
     client.WriteDLLInputFileTempFd(
         folder, engine::ProxyArguments(proxy, engine::RandomNumberForRequest(client)));
-    engine::RunEngine(engine::FixedEngineProgram(), engine::kCodeMachineList, folder);
+    engine::RunEngine(engine::ConfiguredEngineProgram(), engine::kCodeMachineList, folder);
     bool has_result = false;
     std::wstring description;
     double value = 0;
@@ -317,11 +321,7 @@ std::int32_t TavrinEenum::ReadMachineList() {
       platform::WriteIniString(L"MPC", L"Hosts", user + L"|" + L"0;", file);
       platform::WriteIniString(L"MPC", L"HostCount", L"1", file);
     } else {
-      for (const std::wstring& machine : MachinesOfList(list)) {
-        AddMachine(state.machine_list, machine);
-        if (!foundation::FileExists(ListingFile(user, machine)))
-          Trace(L"ReadMachineList : no Backupfile.txt for " + machine);
-      }
+      for (const std::wstring& machine : MachinesOfList(list)) AddMachine(state.machine_list, machine);
       foundation::CreateFolder(BrowsingUserFolder(user));
       platform::WriteIniString(L"MPC", L"Hosts", list, file);
       platform::WriteIniString(L"MPC", L"HostCount", std::to_wstring(state.machine_list.size()),

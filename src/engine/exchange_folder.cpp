@@ -15,13 +15,13 @@ std::wstring ExchangeRoot(const std::wstring& user_folder) {
   return user_folder + platform::kPathSeparator + L"Temp";
 }
 
-std::wstring MakeExchangeFolder(const std::wstring& user_folder) {
+std::wstring MakeExchangeFolder(const std::wstring& user_folder, const std::wstring& name_tail) {
   if (!FolderExists(user_folder) && !CreateFolder(user_folder)) return L"";
   std::wstring root = ExchangeRoot(user_folder);
   if (!FolderExists(root) && !CreateFolder(root)) return L"";
   std::wstring base =
       root + platform::kPathSeparator +
-      foundation::FormatExchangeFolderName(platform::CurrentClock().Now());
+      foundation::FormatExchangeFolderName(platform::CurrentClock().Now()) + name_tail;
   std::wstring folder = base;
   for (int suffix = 1; FolderExists(folder) && suffix < 10000; ++suffix) {
     folder = base + L"_" + std::to_wstring(suffix);

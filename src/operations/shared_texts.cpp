@@ -44,12 +44,16 @@ bool IsListingRetryCode(std::int32_t code) {
   return std::find(std::begin(kCodes), std::end(kCodes), code) != std::end(kCodes);
 }
 
-void ShowListingFailure(std::int32_t result) {
+void PresetConnectionFailureText() {
   auto& settings = foundation::CurrentSettings();
   settings.last_error_text =
       foundation::Trim(foundation::LanguageText(kConnectionFailureTextNumber));
   if (settings.last_error_text.empty()) settings.last_error_text = kConnectionFailureText;
+}
 
+void ShowListingFailure(std::int32_t result) {
+  PresetConnectionFailureText();
+  auto& settings = foundation::CurrentSettings();
   if (IsListingRetryCode(result) || result == -415) {
     ShowFailureBox(settings.last_error_text);
   } else if (result == -405 || result == -409 || result == -411 || result == -511) {

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "browsing/browsing_state.h"
 #include "browsing/tavrine_enum.h"
@@ -9,7 +12,9 @@
 #include "platform/ini_file.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
+#include "platform/services.h"
 #include "session_fixture.h"
+#include "support/slice_counting_launcher.h"
 
 namespace tavrine::testing {
 namespace {
@@ -32,11 +37,22 @@ TEST_F(EnumTest, InitAsksTheEngineAndLoadsTheUsersListing) {
   WriteFileBytes(UserPath() / "Backupfile.txt",
                  Utf16LeFile(L"C:\\Docs\\a.txt/2/100/01-31-2011 13:05:09/U\r\n"
                              L"C:\\Docs\\b.txt/1/5/01-31-2011 13:05:09/U\r\n"));
-  install_.SetScenario(EngineScenario().On(119).Output(402).On(122).Output(402));
+  // A folder of an earlier run with the name this one would take first.
+  WriteFileBytes(UserPath() / "Temp" / "18_05_09_250_1234" / "DLLOutput.txt", "-12\r\n");
+  install_.SetScenario(EngineScenario().On(119).Output(402).On(122).Delay(700).Output(402));
+  SliceCountingLauncher launcher;
+  platform::ScopedServices counting({.launcher = &launcher, .module_folder = {}});
   TavrinEenum e;
   EXPECT_EQ(e.TavrinEInit(), 1);
   EXPECT_EQ(install_.Codes(), (std::vector<int>{119, 122}));
+  EXPECT_EQ(install_.Journal()[0].program, L"TavrinEClsClient.exe");
   EXPECT_EQ(install_.Journal()[1].program, L"TavrinEClient.exe");
+  EXPECT_EQ(install_.Journal()[1].folder, TempRoot() + platform::kPathSeparator + L"18_05_09_250_1234_1");
+  // Messages run and 100 ms pass after every 300 ms slice the listing run was still going.
+  ASSERT_EQ(launcher.starts(), 2u);
+  EXPECT_GE(launcher.RunningSlices(1), 2);
+  EXPECT_EQ(ui_.pumps(), launcher.RunningSlices(1));
+  EXPECT_EQ(clock_.CountPauses(100), static_cast<std::size_t>(launcher.RunningSlices(1)));
   std::wstring user;
   e.W_GetCurrentUser(user);
   EXPECT_EQ(user, L"alice");
@@ -54,6 +70,41 @@ TEST_F(EnumTest, InitAsksTheEngineAndLoadsTheUsersListing) {
   other.TavrinEExitInstance();
   EXPECT_EQ(e.TavrinENextFile(data), -1);
   EXPECT_EQ(e.TavrinEFindFirstFile(L"C:\\Docs\\", data), -1);
+}
+
+TEST_F(EnumTest, NextFileGoesOnOverALoadAnotherObjectMade) {
+  const auto write_listing = [&](const std::wstring& text) {
+    WriteFileBytes(UserPath() / "Backupfile.txt", Utf16LeFile(text));
+  };
+  write_listing(L"C:\\Docs\\a.txt/1/1/01-31-2011 13:05:09/U\r\n"
+                L"C:\\Docs\\b.txt/1/2/01-31-2011 13:05:09/U\r\n"
+                L"C:\\Docs\\c.txt/1/3/01-31-2011 13:05:09/U\r\n");
+  TavrinEenum e, other;
+  ASSERT_EQ(e.TavrinELocalRefresh(), 1);
+  FindData data;
+  ASSERT_EQ(e.TavrinEFindFirstFile(L"C:\\Docs\\", data), 1);
+  ASSERT_EQ(e.TavrinENextFile(data), 2);
+
+  // The new load puts another drive first: the C: run now spans 2..5.
+  write_listing(L"D:\\x.txt/1/9/01-31-2011 13:05:09/U\r\n"
+                L"C:\\Docs\\a.txt/1/1/01-31-2011 13:05:09/U\r\n"
+                L"C:\\Docs\\b.txt/1/2/01-31-2011 13:05:09/U\r\n"
+                L"C:\\Docs\\new.txt/1/4/01-31-2011 13:05:09/U\r\n"
+                L"C:\\Docs\\c.txt/1/3/01-31-2011 13:05:09/U\r\n");
+  ASSERT_EQ(other.TavrinELocalRefresh(), 1);
+  std::vector<std::pair<std::int32_t, std::wstring>> rest;
+  for (std::int32_t p = e.TavrinENextFile(data); p != -1; p = e.TavrinENextFile(data))
+    rest.emplace_back(p, data.cFilename);
+  EXPECT_EQ(rest, (std::vector<std::pair<std::int32_t, std::wstring>>{
+                      {3, L"b.txt"}, {4, L"new.txt"}, {5, L"c.txt"}}));
+  EXPECT_EQ(data.nFileSize, -1);
+
+  // A load without the folder's node ends the walk.
+  ASSERT_EQ(e.TavrinEFindFirstFile(L"C:\\Docs\\", data), 2);
+  write_listing(L"D:\\x.txt/1/9/01-31-2011 13:05:09/U\r\n");
+  ASSERT_EQ(other.TavrinELocalRefresh(), 1);
+  EXPECT_EQ(e.TavrinENextFile(data), -1);
+  EXPECT_EQ(data.nVersion, -1);
 }
 
 TEST_F(EnumTest, LocalRefreshReadsSeveralComputersPrefixed) {
@@ -75,6 +126,19 @@ TEST_F(EnumTest, LocalRefreshReadsSeveralComputersPrefixed) {
   FindData data;
   EXPECT_EQ(e.TavrinEFindFirstFile(L"pc2\\D:\\", data), 2);
   EXPECT_EQ(data.cFilename, L"b.txt");
+
+  // A computer without a listing on disk adds no line of its own.
+  profile::UpdateUserProfile(L"List", L"PC1|0|1;PC2|0|1;PC3|0|1;");
+  EXPECT_EQ(e.ReadMachineList(), 3);
+  std::vector<std::string> machine_lines;
+  std::istringstream trace(TraceText());
+  for (std::string line; std::getline(trace, line);)
+    if (std::size_t at = line.find("ReadMachineList :"); at != std::string::npos)
+      machine_lines.push_back(line.substr(at));
+  EXPECT_EQ(machine_lines, (std::vector<std::string>{"ReadMachineList :: Total Machine Count : 2\r",
+                                                      "ReadMachineList : Total Machine List : PC1;PC2;\r",
+                                                      "ReadMachineList :: Total Machine Count : 3\r",
+                                                      "ReadMachineList : Total Machine List : PC1;PC2;PC3;\r"}));
 }
 
 TEST_F(EnumTest, MissingListingIsLoggedAndFindsNothing) {
@@ -88,12 +152,28 @@ TEST_F(EnumTest, MissingListingIsLoggedAndFindsNothing) {
   EXPECT_EQ(e.TavrinEFindFirstFile(L"C:\\", data), -1);
 }
 
-TEST_F(EnumTest, MachineInfoPasswordChangedSetsTwoSentenceText) {
-  install_.SetScenario(EngineScenario().On(119).Output(-400));
-  TavrinEenum e;
-  EXPECT_EQ(e.GetMultiplePCInfo(), -400);
-  EXPECT_NE(foundation::CurrentSettings().last_error_text.find(L"website.\r\nPlease log out"),
-            std::wstring::npos);
+TEST_F(EnumTest, MachineInfoLeavesTheTextTheCallerShows) {
+  struct Case {
+    const char* language_file;  // nullptr: none
+    long long answer;
+    std::wstring text;
+  };
+  const Case cases[] = {
+      {nullptr, -416, L"Unable to connect to the server. Try later."},
+      {"[Strings]\r\n683=  Keine Verbindung \r\n", -12009, L"Keine Verbindung"},
+      {"[Strings]\r\n683=   \r\n", -416, L"Unable to connect to the server. Try later."},
+      {nullptr, -400,
+       L"Login failed. Reason: The requested operation has failed due to change of password in the "
+       L"website.\r\nPlease log out and log in with the new password to continue the operation."},
+  };
+  for (const Case& c : cases) {
+    std::filesystem::remove_all(install_.path() / "Lang");
+    if (c.language_file) WriteFileBytes(install_.path() / "Lang" / "English.ini", c.language_file);
+    install_.SetScenario(EngineScenario().On(119).Output(c.answer));
+    TavrinEenum e;
+    EXPECT_EQ(e.GetMultiplePCInfo(), c.answer);
+    EXPECT_EQ(foundation::CurrentSettings().last_error_text, c.text) << c.answer;
+  }
 }
 
 std::string Versions(int count) {
