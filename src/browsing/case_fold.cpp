@@ -1,5 +1,6 @@
 #include "browsing/case_fold.h"
 
+#include <array>
 #include <cstdint>
 #include <cstring>
 
@@ -7,32 +8,104 @@ namespace tavrine::browsing {
 
 namespace {
 
-bool InRange(char32_t c, char32_t low, char32_t high) { return c >= low && c <= high; }
+// Upper-case letters first, first + step, ... last, lower-cased to lower,
+// lower + step, ... Simple one-letter mappings as Windows lower-cases file
+// names, limited to pairs of the same UTF-8 length: U+023A and U+023E (whose
+// lower cases take three bytes) and U+1E9E (capital sharp s) are left as they are.
+struct CaseRun {
+  char32_t first, last, lower, step;
+};
+
+constexpr CaseRun kCaseRuns[] = {
+    // Latin-1 and Latin Extended-A
+    {0xC0, 0xD6, 0xE0, 1}, {0xD8, 0xDE, 0xF8, 1}, {0x100, 0x12E, 0x101, 2}, {0x132, 0x136, 0x133, 2},
+    {0x139, 0x147, 0x13A, 2}, {0x14A, 0x176, 0x14B, 2}, {0x178, 0x178, 0xFF, 1}, {0x179, 0x17D, 0x17A, 2},
+    // Latin Extended-B
+    {0x181, 0x181, 0x253, 1}, {0x182, 0x184, 0x183, 2}, {0x186, 0x186, 0x254, 1}, {0x187, 0x187, 0x188, 1},
+    {0x189, 0x18A, 0x256, 1}, {0x18B, 0x18B, 0x18C, 1}, {0x18E, 0x18E, 0x1DD, 1}, {0x18F, 0x18F, 0x259, 1},
+    {0x190, 0x190, 0x25B, 1}, {0x191, 0x191, 0x192, 1}, {0x193, 0x193, 0x260, 1}, {0x194, 0x194, 0x263, 1},
+    {0x196, 0x196, 0x269, 1}, {0x197, 0x197, 0x268, 1}, {0x198, 0x198, 0x199, 1}, {0x19C, 0x19C, 0x26F, 1},
+    {0x19D, 0x19D, 0x272, 1}, {0x19F, 0x19F, 0x275, 1}, {0x1A0, 0x1A4, 0x1A1, 2}, {0x1A6, 0x1A6, 0x280, 1},
+    {0x1A7, 0x1A7, 0x1A8, 1}, {0x1A9, 0x1A9, 0x283, 1}, {0x1AC, 0x1AC, 0x1AD, 1}, {0x1AE, 0x1AE, 0x288, 1},
+    {0x1AF, 0x1AF, 0x1B0, 1}, {0x1B1, 0x1B2, 0x28A, 1}, {0x1B3, 0x1B5, 0x1B4, 2}, {0x1B7, 0x1B7, 0x292, 1},
+    {0x1B8, 0x1B8, 0x1B9, 1}, {0x1BC, 0x1BC, 0x1BD, 1}, {0x1C4, 0x1C4, 0x1C6, 1}, {0x1C5, 0x1C5, 0x1C6, 1},
+    {0x1C7, 0x1C7, 0x1C9, 1}, {0x1C8, 0x1C8, 0x1C9, 1}, {0x1CA, 0x1CA, 0x1CC, 1}, {0x1CB, 0x1DB, 0x1CC, 2},
+    {0x1DE, 0x1EE, 0x1DF, 2}, {0x1F1, 0x1F1, 0x1F3, 1}, {0x1F2, 0x1F4, 0x1F3, 2}, {0x1F6, 0x1F6, 0x195, 1},
+    {0x1F7, 0x1F7, 0x1BF, 1}, {0x1F8, 0x21E, 0x1F9, 2}, {0x220, 0x220, 0x19E, 1}, {0x222, 0x232, 0x223, 2},
+    {0x23B, 0x23B, 0x23C, 1}, {0x23D, 0x23D, 0x19A, 1}, {0x241, 0x241, 0x242, 1}, {0x243, 0x243, 0x180, 1},
+    {0x244, 0x244, 0x289, 1}, {0x245, 0x245, 0x28C, 1}, {0x246, 0x24E, 0x247, 2},
+    // Greek and Cyrillic
+    {0x391, 0x3A1, 0x3B1, 1}, {0x3A3, 0x3A9, 0x3C3, 1}, {0x400, 0x40F, 0x450, 1}, {0x410, 0x42F, 0x430, 1},
+    // Latin Extended Additional (Vietnamese among others)
+    {0x1E00, 0x1E94, 0x1E01, 2}, {0x1EA0, 0x1EFE, 0x1EA1, 2},
+};
+
+// The runs as two lookup tables over the blocks they touch: U+0000..U+04FF
+// and U+1E00..U+1EFF.
+constexpr char32_t kLowBlocksEnd = 0x500;
+constexpr char32_t kAdditionalFirst = 0x1E00;
+constexpr char32_t kAdditionalEnd = 0x1F00;
+constexpr std::size_t kSlots = kLowBlocksEnd + (kAdditionalEnd - kAdditionalFirst);
+
+constexpr bool HasSlot(char32_t c) {
+  return c < kLowBlocksEnd || (c >= kAdditionalFirst && c < kAdditionalEnd);
+}
+constexpr std::size_t Slot(char32_t c) {
+  return c < kLowBlocksEnd ? c : c - kAdditionalFirst + kLowBlocksEnd;
+}
+constexpr std::size_t Utf8Length(char32_t c) { return c < 0x80 ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4; }
+
+struct CaseTables {
+  std::array<char16_t, kSlots> lower{};
+  std::array<char16_t, kSlots> upper{};
+  bool valid = true;
+};
+
+constexpr CaseTables BuildCaseTables() {
+  CaseTables t;
+  std::array<char16_t, kSlots> letter{};
+  for (std::size_t s = 0; s < kSlots; ++s) {
+    letter[s] = static_cast<char16_t>(s < kLowBlocksEnd ? s : s - kLowBlocksEnd + kAdditionalFirst);
+  }
+  t.lower = t.upper = letter;
+  for (const CaseRun& run : kCaseRuns) {
+    for (char32_t c = run.first; c <= run.last; c += run.step) {
+      const char32_t lower = run.lower + (c - run.first);
+      // Folding must keep byte offsets, and both letters need a slot.
+      if (!HasSlot(c) || !HasSlot(lower) || Utf8Length(c) != Utf8Length(lower)) t.valid = false;
+      t.lower[Slot(c)] = static_cast<char16_t>(lower);
+    }
+  }
+  // Upper-casing maps a letter to the first capital of its lower case, so two
+  // names are equal upper-cased exactly when they are equal lower-cased.
+  std::array<char16_t, kSlots> capital{};
+  for (std::size_t s = 0; s < kSlots; ++s) {
+    const char32_t lower = t.lower[s];
+    if (lower != letter[s] && capital[Slot(lower)] == 0) capital[Slot(lower)] = static_cast<char16_t>(letter[s]);
+  }
+  for (std::size_t s = 0; s < kSlots; ++s) {
+    const char16_t first_capital = capital[Slot(t.lower[s])];
+    if (first_capital != 0) t.upper[s] = first_capital;
+  }
+  for (std::size_t s = 0; s < kSlots; ++s) {
+    if (t.lower[Slot(t.upper[s])] != t.lower[s] || t.upper[Slot(t.lower[s])] != t.upper[s]) t.valid = false;
+  }
+  return t;
+}
+
+constexpr CaseTables kCaseTables = BuildCaseTables();
+static_assert(kCaseTables.valid, "a case pair changes the UTF-8 length or the two directions disagree");
 
 }  // namespace
 
 char32_t FoldCase(char32_t c) {
   if (c < 0x80) return (c >= U'A' && c <= U'Z') ? c + 32 : c;
-  if (InRange(c, 0xC0, 0xDE) && c != 0xD7) return c + 32;
-  if (InRange(c, 0x100, 0x12F) || InRange(c, 0x132, 0x137) || InRange(c, 0x14A, 0x177))
-    return (c % 2 == 0) ? c + 1 : c;
-  if (InRange(c, 0x139, 0x148) || InRange(c, 0x179, 0x17E)) return (c % 2 == 1) ? c + 1 : c;
-  if (InRange(c, 0x391, 0x3A9) && c != 0x3A2) return c + 32;
-  if (InRange(c, 0x410, 0x42F)) return c + 32;
-  if (InRange(c, 0x400, 0x40F)) return c + 80;
-  return c;
+  return HasSlot(c) ? kCaseTables.lower[Slot(c)] : c;
 }
 
 char32_t UpperCase(char32_t c) {
   if (c < 0x80) return (c >= U'a' && c <= U'z') ? c - 32 : c;
-  if (InRange(c, 0xE0, 0xFE) && c != 0xF7) return c - 32;
-  if (InRange(c, 0x101, 0x12F) || InRange(c, 0x133, 0x137) || InRange(c, 0x14B, 0x177))
-    return (c % 2 == 1) ? c - 1 : c;
-  if (InRange(c, 0x13A, 0x148) || InRange(c, 0x17A, 0x17E)) return (c % 2 == 0) ? c - 1 : c;
-  if (InRange(c, 0x3B1, 0x3C9) && c != 0x3C2) return c - 32;
-  if (InRange(c, 0x430, 0x44F)) return c - 32;
-  if (InRange(c, 0x450, 0x45F)) return c - 80;
-  return c;
+  return HasSlot(c) ? kCaseTables.upper[Slot(c)] : c;
 }
 
 void AppendUtf8(std::string& out, char32_t c) {

@@ -9,6 +9,8 @@
 #include "browsing/linear_scan.h"
 #include "browsing/remote_tree.h"
 #include "platform/path.h"
+#include "platform/services.h"
+#include "support/recording_ui.h"
 #include "support/temp_folder.h"
 
 namespace tavrine::browsing {
@@ -162,6 +164,17 @@ TEST(ListingFind, NamesAndModesSurviveTheRoundTrip) {
   EXPECT_EQ(p, -1);
 }
 
+TEST(ListingLoad, WindowMessagesRunWhileALongListingLoads) {
+  testing::RecordingUi ui;
+  platform::ScopedServices seams({.ui = &ui, .module_folder = {}});
+  std::wstring text;
+  const std::size_t lines = 3 * RemoteListing::kLinesPerMessagePump + 10;
+  for (std::size_t i = 0; i < lines; ++i) text += L"C:\\d\\f" + std::to_wstring(i) + L"/1/2/x/U\r\n";
+  auto loaded = Load(text);
+  EXPECT_EQ(loaded->listing.count(), static_cast<std::int32_t>(lines));
+  EXPECT_GE(ui.pumps(), 3);
+}
+
 TEST(ListingFind, NumbersAsWritten) {
   struct Case {
     const wchar_t* version;
@@ -222,6 +235,32 @@ std::vector<Found> Walk(LinearScanListing& scan, const std::wstring& folder) {
   return out;
 }
 
+TEST(CaseFold, LettersAsTheSystemLowerCasesThem) {
+  struct Case {
+    char32_t letter, lower, upper;
+  };
+  const Case cases[] = {
+      {U'Q', U'q', U'Q'},           {0xC4, 0xE4, 0xC4},       {0xFF, 0xFF, 0x178},  // ÿ, whose capital is Ÿ
+      {0x178, 0xFF, 0x178},         {0x17D, 0x17E, 0x17D},    {0x1A0, 0x1A1, 0x1A0},  // Ơ
+      {0x1AF, 0x1B0, 0x1AF},        {0x18F, 0x259, 0x18F},    {0x259, 0x259, 0x18F},  // Ə, ə
+      {0x1C5, 0x1C6, 0x1C4},        {0x1C6, 0x1C6, 0x1C4},    {0x218, 0x219, 0x218},  // ǅ, ǆ, Ș
+      {0x1E00, 0x1E01, 0x1E00},     {0x1EC6, 0x1EC7, 0x1EC6}, {0x1EC7, 0x1EC7, 0x1EC6},  // Ệ, ệ
+      {0x1EF8, 0x1EF9, 0x1EF8},     {0x3A3, 0x3C3, 0x3A3},    {0x42F, 0x44F, 0x42F},
+      // Lower cases of another UTF-8 length stay as they are, and so do letters without a pair.
+      {0x23A, 0x23A, 0x23A},        {0x1E9E, 0x1E9E, 0x1E9E}, {0xDF, 0xDF, 0xDF},
+      {0x130, 0x130, 0x130},        {0x1E96, 0x1E96, 0x1E96}, {0x2C65, 0x2C65, 0x2C65},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(FoldCase(c.letter), c.lower) << std::hex << static_cast<unsigned>(c.letter);
+    EXPECT_EQ(UpperCase(c.letter), c.upper) << std::hex << static_cast<unsigned>(c.letter);
+  }
+  // A Vietnamese folder is found whatever the case of the question.
+  auto loaded = Load(L"C:\\VIỆT NAM\\Ảnh.jpg/1/2/01-31-2011 13:05:09/U\r\n"
+                     L"C:\\Ơn\\ǅ.txt/1/2/01-31-2011 13:05:09/U\r\n");
+  EXPECT_EQ(Walk(loaded->listing, L"c:\\việt nam\\").size(), 1u);
+  EXPECT_EQ(Walk(loaded->listing, L"C:\\ơN\\ǆ").size(), 1u);
+}
+
 TEST(ListingFind, AnswersOfTheRun) {
   const std::wstring text =
       L"C:\\Docs\\a.txt/2/100/01-31-2011 13:05:09/U\r\n"
@@ -251,7 +290,8 @@ TEST(ListingFind, AnswersOfTheRun) {
 // Listings with the odd features the engine or a damaged file may produce.
 std::wstring OddListing(std::mt19937& rng, std::vector<std::wstring>& folders) {
   const std::vector<std::wstring> names = {L"Docs", L"docs", L"Sub", L"ÄRGER", L"ärger", L"Фото",
-                                           L"фото", L"a b", L"x.y", L"C:", L"c:", L"1", L"Ω"};
+                                           L"фото", L"a b", L"x.y", L"C:", L"c:", L"1", L"Ω",
+                                           L"Việt Nam", L"VIỆT NAM", L"Ơn", L"ơn", L"ǅemal"};
   const std::vector<std::wstring> drives = {L"C:\\", L"c:\\", L"D:\\"};
   std::uniform_int_distribution<int> pick(0, 99);
   std::wstring text = pick(rng) < 50 ? L"" : L"";
