@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <stdexcept>
 
 #include "dialogs/dialog_texts.h"
 #include "engine/engine_run.h"
@@ -32,6 +33,9 @@ using foundation::Trace;
 constexpr const wchar_t* kMachineCode = L"MACHINECODEREADONLY";
 constexpr const wchar_t* kSupportEmail = L"support@tavrine.com";
 constexpr const wchar_t* kProSignupPage = L"https://www.tavrine.com/tavrine/jsp/tve_prosignup.jsp";
+constexpr const wchar_t* kProxyValueNames[] = {L"Proxyset",  L"proxytypehttp", L"proxytypesocks",
+                                               L"ProxyName", L"ProxyPort",     L"ProxyAuthOn",
+                                               L"ProxyUser", L"ProxyPass"};
 
 bool IsOneOf(std::int32_t code, std::initializer_list<std::int32_t> codes) {
   return std::find(codes.begin(), codes.end(), code) != codes.end();
@@ -93,19 +97,35 @@ void ShowStop(const std::wstring& text, const std::wstring& title) {
 
 std::wstring BoolText(bool value) { return value ? L"1" : L"0"; }
 
-std::vector<std::wstring> SplitAccounts(const std::vector<std::wstring>& lines) {
+// The account names of an e-mail address; a name that could not be a
+// profile or a folder is left out, as if the engine had not sent it.
+std::vector<std::wstring> SplitAccounts(const std::wstring& list) {
   std::vector<std::wstring> names;
-  for (const auto& line : lines) {
-    std::size_t start = 0;
-    while (start <= line.size()) {
-      std::size_t end = line.find(kAccountSeparator, start);
-      if (end == std::wstring::npos) end = line.size();
-      std::wstring name = foundation::Trim(line.substr(start, end - start));
-      if (!name.empty()) names.push_back(name);
-      start = end + 1;
-    }
+  std::size_t start = 0;
+  while (start <= list.size()) {
+    std::size_t end = list.find(kAccountSeparator, start);
+    if (end == std::wstring::npos) end = list.size();
+    std::wstring name = foundation::Trim(list.substr(start, end - start));
+    if (profile::IsSafeName(name)) names.push_back(name);
+    start = end + 1;
   }
   return names;
+}
+
+engine::ProxySettings ProxyFromValues(const std::map<std::wstring, std::wstring>& values) {
+  auto value = [&](const wchar_t* name) {
+    auto it = values.find(name);
+    return it == values.end() ? std::wstring() : it->second;
+  };
+  engine::ProxySettings proxy;
+  proxy.Proxyenabled = foundation::ParseInt32(value(L"Proxyset")).value_or(0);
+  proxy.httpopt_Item = foundation::ParseInt32(value(L"proxytypehttp")).value_or(0) != 0;
+  proxy.socksopt_Item = foundation::ParseInt32(value(L"proxytypesocks")).value_or(0) != 0;
+  proxy.IPText = value(L"ProxyName");
+  proxy.ProxyPort = value(L"ProxyPort");
+  proxy.sUsername = value(L"ProxyUser");
+  proxy.sPassword = value(L"ProxyPass");
+  return proxy;
 }
 
 }  // namespace
@@ -207,10 +227,31 @@ void LoginProcedure::Fail(std::optional<LoginMessage> message, const std::wstrin
 
 void LoginProcedure::ShowMacAccount() {
   int answer = platform::CurrentUi().ShowMessageBox(
-      MacAccountText(), CurrentSettings().message_title, platform::kMbOkCancel | platform::kMbIconStop);
-  if (answer != 1) return;
+      MacAccountText(), CurrentSettings().message_title, platform::kMbOk | platform::kMbIconStop);
+  if (answer != 1) return;  // the box could not be shown
   const std::wstring page = LanguageLink(CurrentSettings().signup_link);
   if (view_.OpenWebPage(page) <= 32) view_.OpenWebPage(page);
+}
+
+std::wstring LoginProcedure::EnteredUser() const {
+  return foundation::Trim(view_.AccountChoiceShown() ? view_.ChosenAccount()
+                                                     : view_.UserNameText());
+}
+
+std::wstring LoginProcedure::ProxyValue(const std::wstring& name) const {
+  if (auto it = pending_proxy_.find(name); it != pending_proxy_.end()) return it->second;
+  auto store = profile::ProfileStore::ForCurrentInstallation();
+  const std::wstring entered = EnteredUser();
+  // An account without a proxy of its own takes the one of the active profile.
+  if (!store.GetForUser(entered, L"Proxyset").empty()) return store.GetForUser(entered, name);
+  return store.Get(name);
+}
+
+void LoginProcedure::SetProxyValue(const std::wstring& name, const std::wstring& value) {
+  pending_proxy_[name] = value;
+  auto store = profile::ProfileStore::ForCurrentInstallation();
+  const std::wstring entered = EnteredUser();
+  if (!store.GetForUser(entered, L"username").empty()) store.UpdateForUser(entered, name, value);
 }
 
 std::wstring LoginProcedure::RandomNumber() const {
@@ -227,7 +268,7 @@ bool LoginProcedure::Run() {
   // 1. The entered user's stored values.
   const bool from_combo = view_.AccountChoiceShown();
   entry_ = foundation::Trim(view_.UserNameText());
-  user_ = from_combo ? foundation::Trim(view_.ChosenAccount()) : entry_;
+  user_ = EnteredUser();
   email_resolved_ = from_combo;
   email_ = entry_.find(L'@') != std::wstring::npos ? entry_ : L"";
   enc_password_ = store.GetForUser(user_, L"encpasswordnew");
@@ -242,6 +283,15 @@ bool LoginProcedure::Run() {
   // 2. Input.
   if (user_.empty()) {
     ShowStop(LoginMessageText(LoginMessage::kUserNameMissing), L"");
+    view_.FocusUserName();
+    return false;
+  }
+  // The name becomes a profile key and a folder: one that could leave them
+  // ("bob.", "con", "a/b") is no account of ours.
+  if (!profile::IsSafeName(user_)) {
+    ShowStop(
+        LoginMessageText(email_.empty() ? LoginMessage::kBadUserName : LoginMessage::kBadEmail),
+        L"");
     view_.FocusUserName();
     return false;
   }
@@ -266,18 +316,8 @@ bool LoginProcedure::Run() {
   Trace(L"New3 : g_IPAddress : " + address_);
   Trace(L"New3 : OutgoingPort : " + port_);
 
-  // The proxy of the entered user, else of the user whose profile is active.
-  auto proxy_value = [&](const wchar_t* name) {
-    std::wstring value = store.GetForUser(user_, name);
-    return value.empty() ? store.Get(name) : value;
-  };
-  proxy_.Proxyenabled = foundation::ParseInt32(proxy_value(L"Proxyset")).value_or(0);
-  proxy_.httpopt_Item = foundation::ParseInt32(proxy_value(L"proxytypehttp")).value_or(0) != 0;
-  proxy_.socksopt_Item = foundation::ParseInt32(proxy_value(L"proxytypesocks")).value_or(0) != 0;
-  proxy_.IPText = proxy_value(L"ProxyName");
-  proxy_.ProxyPort = proxy_value(L"ProxyPort");
-  proxy_.sUsername = proxy_value(L"ProxyUser");
-  proxy_.sPassword = proxy_value(L"ProxyPass");
+  for (const wchar_t* name : kProxyValueNames) proxy_values_[name] = ProxyValue(name);
+  proxy_ = ProxyFromValues(proxy_values_);
 
   // 4. Lock.
   view_.SetLocked(true);
@@ -288,10 +328,9 @@ bool LoginProcedure::Run() {
   if (!is_email || email_resolved_) {
     if (!CheckDefEncStatus()) return false;
   } else {
-    // 6. E-mail address to account names.
+    // 6. E-mail address to account names; with one the login goes on with it.
     bool go_on = false;
     if (!ResolveEmail(go_on) || !go_on) return false;
-    if (!CheckDefEncStatus()) return false;
   }
 
   if (!Login()) return false;
@@ -305,7 +344,8 @@ bool LoginProcedure::Run() {
 LoginProcedure::CallResult LoginProcedure::RunCall(LoginCall call,
                                                    const std::wstring& random_field) {
   CallResult result;
-  const std::wstring folder = engine::MakeExchangeFolder(platform::ModuleFolder());
+  const engine::ScopedExchangeFolder exchange(engine::MakeExchangeFolder(platform::ModuleFolder()));
+  const std::wstring& folder = exchange.path();
   if (folder.empty()) {
     Trace(L"frmLogin :: exchange folder could not be created");
     return result;
@@ -346,7 +386,6 @@ LoginProcedure::CallResult LoginProcedure::RunCall(LoginCall call,
   if (auto lines = foundation::ReadAnsiLines(JoinPath(folder, L"DLLOutput1.txt"))) {
     result.output1 = std::move(*lines);
   }
-  foundation::DeleteFolderTree(folder);
   return result;
 }
 
@@ -397,7 +436,11 @@ bool LoginProcedure::ResolveEmail(bool& go_on) {
     }
     return false;
   }
-  std::vector<std::wstring> names = SplitAccounts(result.output1);
+  // The engine answers in the address's profile.
+  auto store = profile::ProfileStore::ForCurrentInstallation();
+  if (store.GetForUser(entry_, L"display").empty())
+    store.UpdateForUser(entry_, L"display", L"true");
+  std::vector<std::wstring> names = SplitAccounts(store.GetForUser(entry_, L"InteractiveLists"));
   if (names.empty()) {
     Fail(LoginMessage::kBadEmail);
     return false;
@@ -466,11 +509,12 @@ bool LoginProcedure::CompleteSession() {
 
 void LoginProcedure::Save() {
   auto store = profile::ProfileStore::ForCurrentInstallation();
+  // Every later operation reads the current profile: without it the account
+  // would be logged in with nothing to work on.
+  if (!store.SetCurrentUser(user_)) throw std::runtime_error("The user profile could not be saved");
   auto put = [&](const wchar_t* name, const std::wstring& value) {
     store.UpdateForUser(user_, name, value);
   };
-  // The proxy may have been set before this user had a profile.
-  const bool had_proxy = !store.GetForUser(user_, L"Proxyset").empty();
   put(L"username", user_);
   put(L"password", password_);
   put(L"useremailid", email_);
@@ -484,19 +528,8 @@ void LoginProcedure::Save() {
   put(L"StatusKey", status_key_);
   put(L"AutoReconnect", BoolText(view_.AutoReconnectChecked()));
   put(L"Interactive", L"1");
-  if (store.GetForUser(user_, L"display").empty()) put(L"display", L"true");
   if (store.GetForUser(user_, L"RealTimeBackup").empty()) put(L"RealTimeBackup", L"0");
-  if (!had_proxy) {
-    put(L"Proxyset", std::to_wstring(proxy_.Proxyenabled));
-    put(L"proxytypehttp", BoolText(proxy_.httpopt_Item));
-    put(L"proxytypesocks", BoolText(proxy_.socksopt_Item));
-    put(L"ProxyName", proxy_.IPText);
-    put(L"ProxyPort", proxy_.ProxyPort);
-    put(L"ProxyAuthOn", BoolText(!proxy_.sUsername.empty()));
-    put(L"ProxyUser", proxy_.sUsername);
-    put(L"ProxyPass", proxy_.sPassword);
-  }
-  store.SetCurrentUser(user_);
+  for (const auto& [name, value] : proxy_values_) put(name.c_str(), value);
   store.SetDefaultUser(user_);
   profile::AddToUserList(user_);
 }

@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -101,6 +102,12 @@ class LoginProcedure {
   std::int16_t result_code() const { return last_code_; }
   bool logged_in() const { return logged_in_; }
 
+  // The proxy dialog opened from this login reads and writes its values here.
+  // A first login has no profile to write to yet: the values wait and are
+  // saved with the account. An account that has a profile gets them at once.
+  std::wstring ProxyValue(const std::wstring& name) const;
+  void SetProxyValue(const std::wstring& name, const std::wstring& value);
+
  private:
   struct CallResult {
     std::int32_t code = 0;
@@ -113,12 +120,15 @@ class LoginProcedure {
   bool ResolveEmail(bool& go_on);
   bool Login();
   bool CompleteSession();
+  // Throws when the account's profile cannot be made the current one.
   void Save();
   // Unlocks the dialog, removes LoginProgress.txt, then shows the message.
   void Fail(std::optional<LoginMessage> message, const std::wstring& title = L"");
   void Unlock();
   void ShowMacAccount();
   std::wstring RandomNumber() const;
+  // txtUserName, or ComboUserName while it is shown.
+  std::wstring EnteredUser() const;
 
   LoginView& view_;
   std::wstring opened_user_;
@@ -131,6 +141,8 @@ class LoginProcedure {
   std::wstring port_;
   std::wstring email_;        // the e-mail address the account was found by
   bool email_resolved_ = false;
+  std::map<std::wstring, std::wstring> pending_proxy_;  // set in the proxy dialog
+  std::map<std::wstring, std::wstring> proxy_values_;   // in use for this login
   engine::ProxySettings proxy_;
   engine::clsClient client_;
   std::int16_t last_code_ = 0;

@@ -30,6 +30,10 @@ std::wstring MakeExchangeFolder(const std::wstring& user_folder, const std::wstr
   return folder;
 }
 
+ScopedExchangeFolder::~ScopedExchangeFolder() {
+  if (!folder_.empty()) foundation::DeleteFolderTree(folder_);
+}
+
 bool CallerFolderExists(const std::wstring& folder, const std::wstring& method) {
   if (foundation::FolderExists(folder)) return true;
   foundation::Trace(method + L" :: no exchange folder '" + folder + L"'");

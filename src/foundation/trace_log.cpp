@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <system_error>
 
-#include "foundation/file_system.h"
 #include "foundation/settings.h"
 #include "foundation/text_file.h"
 #include "foundation/time_format.h"
@@ -24,9 +23,8 @@ std::wstring TraceFilePath() {
 void Trace(const std::wstring& message) noexcept {
   try {
     std::wstring file = TraceFilePath();
-    std::wstring log_folder = CurrentSettings().work_root + L"Log";
-    if (!FolderExists(log_folder)) CreateFolder(log_folder);
-    // An installation name with its own separators needs its folders too.
+    // The Log folder, and those of an installation name with separators of its
+    // own; when they cannot be made, the append below fails and the line is lost.
     std::error_code ignored;
     std::filesystem::create_directories(platform::ToFsPath(file).parent_path(), ignored);
     AppendAnsiLine(file, FormatTraceTimestamp(platform::CurrentClock().Now()) + L" " + message);

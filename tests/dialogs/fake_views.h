@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "dialogs/login_flow.h"
+#include "dialogs/proxy_settings.h"
 
 namespace tavrine::testing {
 
@@ -73,6 +74,31 @@ class FakeLoginView : public dialogs::LoginView {
     if (answers.size() > 1) answers.pop_front();
     return answer;
   }
+};
+
+// Proxysetting without a window, filled as a user with an HTTP proxy would.
+class FakeProxyView : public dialogs::ProxyView {
+ public:
+  bool enabled = true, http = true, socks = false, auth = false;
+  std::wstring address = L"proxy.local", port = L"8080", user, password;
+  std::wstring focus;
+  bool closed = false;
+  bool ProxyEnabled() override { return enabled; }
+  void SetProxyEnabled(bool checked) override { enabled = checked; }
+  bool HttpSelected() override { return http; }
+  bool SocksSelected() override { return socks; }
+  std::wstring Address() override { return address; }
+  void SetAddress(const std::wstring& text) override { address = text; }
+  std::wstring Port() override { return port; }
+  void SetPort(const std::wstring& text) override { port = text; }
+  bool AuthChecked() override { return auth; }
+  std::wstring UserName() override { return user; }
+  void SetUserName(const std::wstring& text) override { user = text; }
+  std::wstring Password() override { return password; }
+  void SetPassword(const std::wstring& text) override { password = text; }
+  void FocusAddress() override { focus = L"address"; }
+  void FocusUserName() override { focus = L"user"; }
+  void CloseDialog() override { closed = true; }
 };
 
 }  // namespace tavrine::testing

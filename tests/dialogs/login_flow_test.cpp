@@ -5,11 +5,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <initializer_list>
+#include <stdexcept>
 
 #include "../operations/session_fixture.h"
 #include "fake_views.h"
 #include "foundation/settings.h"
 #include "platform/path.h"
+#include "platform/registry.h"
+#include "platform/services.h"
 #include "profile/profile_store.h"
 #include "profile/user_list.h"
 #include "support/install_folder.h"
@@ -22,6 +25,13 @@ using testing::EngineScenario;
 using testing::RequestLine;
 
 constexpr const wchar_t* kTitle = L"TavrinE Online Backup";
+constexpr const wchar_t* kEmail = L"bob@example.com";
+constexpr const wchar_t* kMacText =
+    L"This is a Mac account. The Mac and Windows accounts are not inter-operable.\r\n"
+    L"You need to sign up for a windows specific TavrinE account. To proceed, click the 'OK' "
+    L"button. This takes you to the sign up page from where you can create an account.\r\n"
+    L"Alternately, visit https://www.tavrine.com/tavrine/jsp/tve_prosignup.jsp to sign up for "
+    L"an account.";
 
 class LoginTest : public testing::SessionTest {
  protected:
@@ -35,6 +45,11 @@ class LoginTest : public testing::SessionTest {
   std::vector<int> Codes() const { return install_.Codes(); }
   bool Saved(const std::wstring& user) const {
     return !profile::ProfileStore::ForCurrentInstallation().GetForUser(user, L"password").empty();
+  }
+  // What the engine leaves in the address's profile when it resolves it.
+  static void AccountsOfEmail(const std::wstring& list) {
+    profile::ProfileStore::ForCurrentInstallation().UpdateForUser(kEmail, L"InteractiveLists",
+                                                                  list);
   }
   std::size_t ExchangeFolders() const {
     fs::path temp = install_.path() / "Temp";
@@ -65,44 +80,67 @@ struct CodeRow {
   const wchar_t* title = kTitle;
 };
 
+// The texts that several rows show.
+constexpr const wchar_t* kCannotConnect = L"Unable to connect to the server. Try later.";
+constexpr const wchar_t* kBadName = L"Enter your correct TavrinE Username.";
+constexpr const wchar_t* kBadEmail = L"Enter a valid email address and try again.";
+constexpr const wchar_t* kMaintenance = L"Server is under maintanance";
+constexpr const wchar_t* kOtherComputer =
+    L"This account is active on another computer. Do you want to register it on this system?";
+constexpr const wchar_t* kCritical =
+    L"TavrinE has encountered a critical exception. It is possible that your Operating System "
+    L"does not support 128-bit SSL encryption or is running on Internet Explorer below 6.  "
+    L"Upgrade and try again.";
+constexpr const wchar_t* kNotActivated =
+    L"Activate your TavrinE account by clicking on the link provided in the email. If you have "
+    L"not received the same, email us at support@tavrine.com";
+constexpr const wchar_t* kClosed = L"Your TavrinE account is no longer active.";
+constexpr const wchar_t* kProxy =
+    L"Verify the proxy IP address, port number and authentication details and try again.";
+
 // Every row of the code table, at the call it belongs to. Entries with "@"
 // pass 117 (one account, "bob") before reaching the call.
 const CodeRow kCodeRows[] = {
-    {116, -40, L"alice", L"Enter your correct TavrinE Username."},
-    {116, 0, L"alice", L"Unable to connect to the server. Try later."},  // no result, thrice
-    {116, -511, L"alice", L"Server is under maintanance", L"TavrinE login failure"},
-    {116, -401, L"alice", L"Enter your correct TavrinE Username."},
-    {116, -401, L"bob@example.com", L"Enter a valid email address and try again."},
+    {116, -40, L"alice", kBadName},
+    {116, -50, L"alice", kMacText},
+    {117, -50, kEmail, kMacText},
+    {116, 0, L"alice", kCannotConnect},  // no result, thrice
+    {116, -511, L"alice", kMaintenance, L"TavrinE login failure"},
+    {116, -401, L"alice", kBadName},
+    {116, -401, kEmail, kBadEmail},
     {116, -403, L"alice", L"Enter the correct Password and try again."},
     {116, -405, L"alice", L"Check your Internet connectivity settings and try again."},
-    {116, -416, L"alice", L"Unable to connect to the server. Try later."},
-    {116, -417, L"alice", L"This account is active on another computer. Do you want to register it on this system?"},
-    {116, -422, L"alice", L"TavrinE has encountered a critical exception. It is possible that your Operating System does not support 128-bit SSL encryption or is running on Internet Explorer below 6.  Upgrade and try again."},
-    {116, -431, L"alice", L"TavrinE could not be installed successfully on your computer. Reinstall the application."},
-    {116, -504, L"alice", L"Unable to connect to the server. Try later."},
-    {116, -506, L"alice", L"Activate your TavrinE account by clicking on the link provided in the email. If you have not received the same, email us at support@tavrine.com"},
-    {116, -507, L"alice", L"Your TavrinE account is no longer active."},
-    {116, -514, L"alice", L"Your TavrinE account is no longer active."},
-    {116, -508, L"alice", L"Unable to connect to the server. Try later."},
+    {116, -416, L"alice", kCannotConnect},
+    {116, -417, L"alice", kOtherComputer},
+    {116, -422, L"alice", kCritical},
+    {116, -431, L"alice",
+     L"TavrinE could not be installed successfully on your computer. Reinstall the application."},
+    {116, -504, L"alice", kCannotConnect},
+    {116, -506, L"alice", kNotActivated},
+    {116, -507, L"alice", kClosed},
+    {116, -514, L"alice", kClosed},
+    {116, -508, L"alice", kCannotConnect},
     {116, -509, L"alice", L"A critical update is being performed on our server. Try later."},
-    {116, -513, L"alice", L"You can not delete the selected files/folders as a backup operation is in progress for the same account. Please try again later."},
-    {116, -12008, L"alice", L"Verify the proxy IP address, port number and authentication details and try again."},
-    {116, -12010, L"alice", L"Verify the proxy IP address, port number and authentication details and try again."},
-    {116, -777, L"alice", L"Unable to connect to the server. Try later."},
-    {116, -512, L"alice", L"Unable to connect to the server. Try later."},
-    {111, -417, L"alice", L"This account is active on another computer. Do you want to register it on this system?"},
-    {111, -422, L"alice", L"TavrinE has encountered a critical exception. It is possible that your Operating System does not support 128-bit SSL encryption or is running on Internet Explorer below 6.  Upgrade and try again."},
+    {116, -513, L"alice",
+     L"You can not delete the selected files/folders as a backup operation is in progress for the "
+     L"same account. Please try again later."},
+    {116, -12008, L"alice", kProxy},
+    {116, -12010, L"alice", kProxy},
+    {116, -777, L"alice", kCannotConnect},
+    {116, -512, L"alice", kCannotConnect},
+    {111, -417, L"alice", kOtherComputer},
+    {111, -422, L"alice", kCritical},
     {111, -505, L"alice", nullptr},
-    {111, -511, L"alice", L"Server is under maintanance"},
-    {117, -512, L"bob@example.com", L"Enter a valid email address and try again."},
-    {117, -40, L"bob@example.com", L"Enter a valid email address and try again."},
-    {117, -405, L"bob@example.com", L"Unable to connect to the server. Try later."},
-    {117, -12009, L"bob@example.com", L"Unable to connect to the server. Try later."},
-    {117, -504, L"bob@example.com", L"Unable to connect to the server. Try later."},
-    {117, -506, L"bob@example.com", L"Activate your TavrinE account by clicking on the link provided in the email. If you have not received the same, email us at support@tavrine.com"},
-    {110, -506, L"alice", L"Activate your TavrinE account by clicking on the link provided in the email. If you have not received the same, email us at support@tavrine.com"},
-    {110, -511, L"alice", L"Server is under maintanance"},
-    {110, -404, L"alice", L"Unable to connect to the server. Try later."},
+    {111, -511, L"alice", kMaintenance},
+    {117, -512, kEmail, kBadEmail},
+    {117, -40, kEmail, kBadEmail},
+    {117, -405, kEmail, kCannotConnect},
+    {117, -12009, kEmail, kCannotConnect},
+    {117, -504, kEmail, kCannotConnect},
+    {117, -506, kEmail, kNotActivated},
+    {110, -506, L"alice", kNotActivated},
+    {110, -511, L"alice", kMaintenance},
+    {110, -404, L"alice", kCannotConnect},
 };
 
 TEST_F(LoginTest, EachFailureCodeShowsItsOneMessageAndLeavesTheProfileAlone) {
@@ -113,8 +151,9 @@ TEST_F(LoginTest, EachFailureCodeShowsItsOneMessageAndLeavesTheProfileAlone) {
     ui_ = testing::RecordingUi();
     view_ = testing::FakeLoginView();
     view_.user_name = row.entry;
+    AccountsOfEmail(L"bob");
     EngineScenario s = Happy({row.call});
-    if (row.call != 117) s.On(117).Output(402).WithFile("DLLOutput1.txt", "bob\r\n");
+    if (row.call != 117) s.On(117).Output(402);
     s.On(row.call).Info(row.code);
     install_.SetScenario(s);
 
@@ -126,7 +165,7 @@ TEST_F(LoginTest, EachFailureCodeShowsItsOneMessageAndLeavesTheProfileAlone) {
       ASSERT_EQ(ui_.boxes().size(), 1u);
       EXPECT_EQ(ui_.boxes()[0].text, row.text);
       EXPECT_EQ(ui_.boxes()[0].title, row.title);
-      EXPECT_EQ(ui_.boxes()[0].style, platform::kMbIconStop);
+      EXPECT_EQ(ui_.boxes()[0].style, platform::kMbOk | platform::kMbIconStop);
     } else {
       EXPECT_TRUE(ui_.boxes().empty());
     }
@@ -196,11 +235,18 @@ struct InputRow {
   const wchar_t* focus;
 };
 
-TEST_F(LoginTest, MissingInputStopsBeforeAnyEngineRun) {
+TEST_F(LoginTest, MissingInputOrANameThatCannotBeAnAccountStopsBeforeAnyEngineRun) {
   const InputRow rows[] = {
       {L"", L"pw", L"Enter your Username/email address.", L"user"},
       {L"   ", L"pw", L"Enter your Username/email address.", L"user"},
       {L"alice", L"", L"Enter your password.", L"password"},
+      // Each would be a profile key and a folder outside the account's own.
+      {L"bob.", L"pw", kBadName, L"user"},
+      {L"con", L"pw", kBadName, L"user"},
+      {L"LPT1.txt", L"pw", kBadName, L"user"},
+      {L"../alice", L"pw", kBadName, L"user"},
+      {L"a\\b", L"", kBadName, L"user"},
+      {L"x/y@example.com", L"pw", kBadEmail, L"user"},
   };
   install_.SetScenario(Happy());
   for (const auto& row : rows) {
@@ -209,12 +255,14 @@ TEST_F(LoginTest, MissingInputStopsBeforeAnyEngineRun) {
     view_.password = row.password;
     view_.focus.clear();
     EXPECT_FALSE(PressLogin());
-    ASSERT_EQ(ui_.boxes().size(), 1u);
+    ASSERT_EQ(ui_.boxes().size(), 1u) << row.user;
     EXPECT_EQ(ui_.boxes()[0].text, row.text);
+    EXPECT_EQ(ui_.boxes()[0].style, platform::kMbOk | platform::kMbIconStop);
     EXPECT_EQ(view_.focus, row.focus);
     EXPECT_EQ(view_.lock_count, 0);
   }
   EXPECT_TRUE(install_.Journal().empty());
+  EXPECT_TRUE(profile::ProfileStore::ForCurrentInstallation().Users().empty());
 }
 
 TEST_F(LoginTest, NetworkFailuresAreRetriedThreeTimesWithFiveSecondPauses) {
@@ -227,30 +275,35 @@ TEST_F(LoginTest, NetworkFailuresAreRetriedThreeTimesWithFiveSecondPauses) {
   EXPECT_GE(ui_.pumps(), 4);
 }
 
-TEST_F(LoginTest, EmailWithOneAccountLogsThatAccountIn) {
+TEST_F(LoginTest, EmailWithOneAccountLogsThatAccountInStraightAway) {
   EngineScenario s = Happy({117});
-  s.On(117).Output(1000).WithFile("DLLOutput1.txt", "bob\r\n");
+  s.On(117).Output(1000).WithFile("DLLOutput1.txt", "not this one\r\n");
   install_.SetScenario(s);
-  view_.user_name = L"bob@example.com";
+  AccountsOfEmail(L" bob ");
+  view_.user_name = kEmail;
   ASSERT_TRUE(PressLogin());
   EXPECT_FALSE(view_.choice_shown);
-  EXPECT_EQ(Codes(), (std::vector<int>{117, 110, 116, 111}));
+  EXPECT_EQ(Codes(), (std::vector<int>{117, 116, 111}));
   auto runs = install_.Journal();
   EXPECT_EQ(RequestLine(runs[0], 3), L"dqdBgzcorng0eqo");  // the address, shifted
-  EXPECT_EQ(RequestLine(runs[2], 3), L"dqd");              // bob
+  EXPECT_EQ(RequestLine(runs[1], 3), L"dqd");              // bob
   auto store = profile::ProfileStore::ForCurrentInstallation();
   EXPECT_EQ(profile::CurrentUserName(), L"bob");
-  EXPECT_EQ(store.GetForUser(L"bob", L"useremailid"), L"bob@example.com");
+  EXPECT_EQ(store.GetForUser(L"bob", L"useremailid"), kEmail);
   EXPECT_EQ(store.GetForUser(L"bob", L"useremailidExist"), L"1");
+  EXPECT_EQ(store.GetForUser(kEmail, L"display"), L"true");
   EXPECT_NE(TraceText().find("Email Id resolved"), std::string::npos);
 }
 
 TEST_F(LoginTest, EmailWithSeveralAccountsOffersAChoiceAndLogsInOnTheNextPress) {
-  EngineScenario s = Happy({117});
-  s.On(117).Output(402).WithFile("DLLOutput1.txt", "bob|carol\r\n");
-  install_.SetScenario(s);
-  view_.user_name = L"bob@example.com";
+  install_.SetScenario(Happy({117}).On(117).Output(402));
+  // Names that could not be an account's are left out of the choice.
+  AccountsOfEmail(L"bob|con||carol|x/y");
+  profile::ProfileStore::ForCurrentInstallation().UpdateForUser(kEmail, L"display", L"false");
+  view_.user_name = kEmail;
   EXPECT_FALSE(PressLogin());
+  EXPECT_EQ(profile::ProfileStore::ForCurrentInstallation().GetForUser(kEmail, L"display"),
+            L"false");
   EXPECT_EQ(view_.choice_names, (std::vector<std::wstring>{L"bob", L"carol"}));
   ASSERT_EQ(ui_.boxes().size(), 1u);
   EXPECT_EQ(ui_.boxes()[0].text,
@@ -346,7 +399,7 @@ TEST_F(LoginTest, MacAccountOffersTheSignUpPageAndTriesTheBrowserOnceMore) {
   EXPECT_EQ(view_.opened_pages[0], foundation::kFixedSignupLink);
 
   ui_ = testing::RecordingUi();
-  ui_.set_answer(2);  // Cancel
+  ui_.set_answer(0);  // the box could not be shown: no OK, no page
   view_.opened_pages.clear();
   EXPECT_FALSE(PressLogin());
   EXPECT_TRUE(view_.opened_pages.empty());
@@ -362,6 +415,83 @@ TEST_F(LoginTest, AChangedUserNameTakesThatUsersRememberSetting) {
   EXPECT_FALSE(view_.remember);
   EXPECT_EQ(RequestLine(install_.Journal()[0], 6), L"12345");
   EXPECT_NE(TraceText().find("User name changed"), std::string::npos);
+}
+
+TEST_F(LoginTest, AProxySetBeforeTheFirstLoginIsUsedAndSavedWithTheAccount) {
+  install_.SetScenario(Happy());
+  testing::FakeProxyView proxy_view;
+  proxy_view.auth = true;
+  proxy_view.user = L"puser";
+  proxy_view.password = L"ppass";
+  auto registry = platform::OpenCurrentUserRegistry(install_.folder() + L"/hkcu.ini");
+  ProxyPresenter proxy(
+      proxy_view,
+      [this](const std::wstring& n, const std::wstring& v) { procedure_.SetProxyValue(n, v); },
+      *registry);
+  ASSERT_TRUE(proxy.OnApply());
+  auto store = profile::ProfileStore::ForCurrentInstallation();
+  EXPECT_TRUE(store.Users().empty()) << "no account yet: the values wait for the login";
+  EXPECT_EQ(procedure_.ProxyValue(L"ProxyName"), L"proxy.local");
+
+  ASSERT_TRUE(PressLogin());
+  for (const auto& run : install_.Journal()) {
+    EXPECT_EQ(RequestLine(run, 7), L"1");  // a proxy, of the HTTP kind
+    EXPECT_EQ(RequestLine(run, 8), L"1");
+    EXPECT_EQ(RequestLine(run, 9), L"proxy.local");
+    EXPECT_EQ(RequestLine(run, 10), L"8080");
+    EXPECT_EQ(RequestLine(run, 11), L"puser");
+  }
+  const std::pair<const wchar_t*, const wchar_t*> saved[] = {
+      {L"Proxyset", L"1"},       {L"proxytypehttp", L"1"},
+      {L"proxytypesocks", L"0"}, {L"ProxyName", L"proxy.local"},
+      {L"ProxyPort", L"8080"},   {L"ProxyAuthOn", L"1"},
+      {L"ProxyUser", L"puser"},  {L"ProxyPass", L"ppass"}};
+  for (const auto& [name, value] : saved)
+    EXPECT_EQ(store.GetForUser(L"alice", name), value) << name;
+
+  // Once the account has a profile, the dialog writes to it at once.
+  LoginProcedure next(view_, L"alice");
+  next.SetProxyValue(L"ProxyPort", L"3128");
+  EXPECT_EQ(store.GetForUser(L"alice", L"ProxyPort"), L"3128");
+  EXPECT_EQ(LoginProcedure(view_, L"alice").ProxyValue(L"ProxyName"), L"proxy.local");
+}
+
+// Boxes are recorded, but pumping the messages fails as a broken host would.
+class ThrowingPumpUi : public testing::RecordingUi {
+ public:
+  void PumpMessages() override { throw std::runtime_error("host gone"); }
+};
+
+TEST_F(LoginTest, AnErrorInTheMiddleOfACallStillRemovesItsExchangeFolder) {
+  EngineScenario s = Happy({116});
+  s.On(116).Info(-416);  // retried: the pump before the pause throws
+  install_.SetScenario(s);
+  ThrowingPumpUi ui;
+  platform::ScopedServices seams({.clock = &clock_, .ui = &ui, .module_folder = {}});
+  EXPECT_FALSE(PressLogin());
+  EXPECT_EQ(ExchangeFolders(), 0u);
+  ASSERT_EQ(ui.boxes().size(), 1u);
+  EXPECT_EQ(ui.boxes()[0].text, kCannotConnect);
+  EXPECT_FALSE(view_.locked);
+  EXPECT_NE(TraceText().find("[EXCEPTION] frmLogin :: Login_Click() : host gone"),
+            std::string::npos);
+}
+
+TEST_F(LoginTest, AProfileThatCannotBeMadeCurrentFailsTheLogin) {
+  install_.SetScenario(Happy());
+  // An installation name of separators only leaves no profile store to save to.
+  std::string ini = testing::StandardConfiguration("EngineTimeoutSeconds=20\r\n");
+  ini.replace(ini.find("TavrinETest\r\n"), std::string("TavrinETest").size(), "\\");
+  testing::WriteFileBytes(install_.path() / "Configuration.ini", ini);
+  foundation::CurrentSettings().renew_random_permitted = false;
+  EXPECT_FALSE(PressLogin());
+  EXPECT_EQ(Codes(), (std::vector<int>{110, 116, 111}));
+  EXPECT_FALSE(procedure_.logged_in());
+  EXPECT_FALSE(view_.closed);
+  EXPECT_FALSE(view_.locked);
+  ASSERT_EQ(ui_.boxes().size(), 1u);
+  EXPECT_EQ(ui_.boxes()[0].text, kCannotConnect);
+  EXPECT_FALSE(foundation::CurrentSettings().renew_random_permitted);
 }
 
 }  // namespace

@@ -4,36 +4,13 @@
 
 #include <map>
 
+#include "fake_views.h"
 #include "foundation/settings.h"
 #include "platform/path.h"
 #include "support/install_folder.h"
 
 namespace tavrine::dialogs {
 namespace {
-
-class FakeProxyView : public ProxyView {
- public:
-  bool enabled = true, http = true, socks = false, auth = false;
-  std::wstring address = L"proxy.local", port = L"8080", user, password;
-  std::wstring focus;
-  bool closed = false;
-  bool ProxyEnabled() override { return enabled; }
-  void SetProxyEnabled(bool checked) override { enabled = checked; }
-  bool HttpSelected() override { return http; }
-  bool SocksSelected() override { return socks; }
-  std::wstring Address() override { return address; }
-  void SetAddress(const std::wstring& text) override { address = text; }
-  std::wstring Port() override { return port; }
-  void SetPort(const std::wstring& text) override { port = text; }
-  bool AuthChecked() override { return auth; }
-  std::wstring UserName() override { return user; }
-  void SetUserName(const std::wstring& text) override { user = text; }
-  std::wstring Password() override { return password; }
-  void SetPassword(const std::wstring& text) override { password = text; }
-  void FocusAddress() override { focus = L"address"; }
-  void FocusUserName() override { focus = L"user"; }
-  void CloseDialog() override { closed = true; }
-};
 
 class ProxyTest : public ::testing::Test {
  protected:
@@ -47,7 +24,7 @@ class ProxyTest : public ::testing::Test {
   }
   testing::InstallFolder install_;
   std::unique_ptr<platform::Registry> registry_;
-  FakeProxyView view_;
+  testing::FakeProxyView view_;
   std::map<std::wstring, std::wstring> written_;
 };
 

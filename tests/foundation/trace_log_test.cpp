@@ -32,13 +32,24 @@ TEST(Trace, EntriesMakeTheLogFolderAndAppendDatedLinesAnEmptyMessageKeepingItsBl
             "07-04-2011 18:05:09 first\r\n12-31-2024 03:04:05 \r\n12-31-2024 03:04:05 third\r\n");
 }
 
-TEST(Trace, InstallationNameIsReadAfreshOnEveryWrite) {
-  InstallFolder install;
-  install.WriteStandardConfiguration();
-  ASSERT_TRUE(LoadConfigurations());
-  install.WriteConfiguration("[ProductInfo]\r\nProductInstallationName=Other\r\n");
-  Trace(L"x");
-  EXPECT_FALSE(ReadFileBytes(LogFile(install, "OtherUI.txt")).empty());
+TEST(Trace, InstallationNameIsReadAfreshOnEveryWriteAndItsFoldersAreMade) {
+  const std::string sep(1, static_cast<char>(platform::kPathSeparator));
+  const struct {
+    std::string name;
+    std::filesystem::path file;  // under Log
+  } rows[] = {
+      {"Other", "OtherUI.txt"},
+      {"Brand" + sep + "Sub", std::filesystem::path("Brand") / "SubUI.txt"},
+      {"A" + sep + "B" + sep + "C", std::filesystem::path("A") / "B" / "CUI.txt"},
+  };
+  for (const auto& row : rows) {
+    InstallFolder install;
+    install.WriteStandardConfiguration();
+    ASSERT_TRUE(LoadConfigurations());
+    install.WriteConfiguration("[ProductInfo]\r\nProductInstallationName=" + row.name + "\r\n");
+    Trace(L"x");
+    EXPECT_FALSE(ReadFileBytes(install.path() / "Log" / row.file).empty()) << row.name;
+  }
 }
 
 TEST(Trace, FollowsTheVirtualPathWorkRoot) {

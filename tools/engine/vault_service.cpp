@@ -179,6 +179,9 @@ class Service {
     for (const Account* account : vault_.FindByEmail(request_.User()))
       names += (names.empty() ? "" : "|") + account->user;
     if (names.empty()) return answer_.Info(kNoAccountForEmail, "No account for this e-mail address");
+    // The library takes the names from the address's profile.
+    if (!WriteRequestProfile({{"InteractiveLists", names}}))
+      return answer_.Info(kDatabaseError, "Profile could not be written");
     answer_.Write("DLLOutput1.txt", names + "\r\n");
     return answer_.Output(kSuccess);
   }
@@ -269,14 +272,16 @@ class Service {
     return name.substr(begin, name.find_last_not_of("\\/") - begin + 1);
   }
 
-  bool WriteMachineValues() {
+  // Values for the library's profile of the request's user.
+  bool WriteRequestProfile(const std::vector<std::pair<std::string, std::string>>& values) {
     std::string virtual_path = IniValue(home_ / "UserName.ini", "Registry", "VirtualPath");
     fs::path work_root = virtual_path.empty() ? home_ : PathFromUtf8(virtual_path);
-    return WriteProfileValues(work_root, Installation(), request_.User(), MachineValues());
+    return WriteProfileValues(work_root, Installation(), request_.User(), values);
   }
 
   int MachineList() {
-    if (!WriteMachineValues()) return answer_.Info(kDatabaseError, "Profile could not be written");
+    if (!WriteRequestProfile(MachineValues()))
+      return answer_.Info(kDatabaseError, "Profile could not be written");
     return answer_.Output(kSuccess);
   }
 
@@ -287,7 +292,8 @@ class Service {
     if (!SameText(Utf8FromPath(temp.filename()), "Temp"))
       return answer_.Info(kUserVariable, "Exchange folder not below the user folder");
     const fs::path user_folder = temp.parent_path();
-    if (!WriteMachineValues()) return answer_.Info(kDatabaseError, "Profile could not be written");
+    if (!WriteRequestProfile(MachineValues()))
+      return answer_.Info(kDatabaseError, "Profile could not be written");
     const bool several = account_->computers.size() > 1;
     for (const std::string& computer : account_->computers) {
       fs::path listing_folder = several ? user_folder / PathFromUtf8(computer) : user_folder;
