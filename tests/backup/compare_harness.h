@@ -22,24 +22,8 @@ struct CompareRun {
 };
 std::vector<CompareRun> ReadCompareJournal(const std::filesystem::path& folder);
 
-// Polls until `done` holds or `limit_ms` pass; returns `done()`.
-template <class Done>
-bool WaitUntil(Done done, int limit_ms = 10000);
-
 // Text of a UTF-16LE file with BOM, for assertions (ASCII and Latin-1 only).
 std::wstring ReadUtf16File(const std::filesystem::path& file);
 
 }  // namespace tavrine::testing
 
-#include <chrono>
-#include <thread>
-
-template <class Done>
-bool tavrine::testing::WaitUntil(Done done, int limit_ms) {
-  auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(limit_ms);
-  while (!done()) {
-    if (std::chrono::steady_clock::now() >= deadline) return done();
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return true;
-}

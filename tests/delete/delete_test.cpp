@@ -7,7 +7,6 @@
 #include "operations/cls_api_interface.h"
 #include "operations/ui_commands.h"
 #include "operations/session_fixture.h"
-#include "backup/compare_harness.h"
 #include "platform/path.h"
 
 namespace tavrine::operations {

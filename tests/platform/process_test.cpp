@@ -3,90 +3,58 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <fstream>
-#include <thread>
 #include <cwctype>
-#include <optional>
 
 #include "platform/path.h"
-#include "support/temp_folder.h"
+#include "support/engine_harness.h"
 
 namespace tavrine::platform {
 namespace {
 
-using testing::TempFolder;
-using testing::TestProgramFolder;
+using testing::EngineScenario;
 
 // Generous: the first program started in a fresh Wine prefix is slow.
 constexpr std::uint32_t kStartBudgetMs = 30000;
+// The reference engine under a name no other test starts, so that a search
+// by name finds this run only.
+constexpr wchar_t kName[] = L"TavrinEProcessTest.exe";
 
-std::wstring ProbeProgram() { return FromFsPath(TestProgramFolder() / TAVRINE_PROBE_FILE); }
-
-std::wstring ProbeName() { return Utf8ToWide(TAVRINE_PROBE_FILE); }
-
-// The probe's parameters, shaped like the engine's: " <ms><folder>".
-std::wstring ProbeParameters(unsigned ms, const std::filesystem::path& report_folder) {
-  return L" " + std::to_wstring(ms) + L"<" + FromFsPath(report_folder) + L">";
-}
-
-struct Report {
-  std::wstring parameters;
-  std::filesystem::path working_folder;
-};
-
-std::optional<Report> WaitForReport(const std::filesystem::path& folder, std::uint32_t budget_ms) {
-  auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(budget_ms);
-  std::filesystem::path file = folder / "probe.txt";
-  while (std::chrono::steady_clock::now() < deadline) {
-    std::ifstream in(file, std::ios::binary);
-    std::string parameters, working_folder;
-    if (std::getline(in, parameters) && std::getline(in, working_folder)) {
-      return Report{Utf8ToWide(parameters), ToFsPath(Utf8ToWide(working_folder))};
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return std::nullopt;
-}
-
+// The engine journals the parameter text as received and its working folder.
 class Process : public ::testing::Test {
  protected:
-  void SetUp() override {
-    std::filesystem::create_directories(report_folder_);
-    std::filesystem::create_directories(work_folder_);
+  std::unique_ptr<RunningProcess> Start(const EngineScenario& scenario) {
+    install_.SetScenario(scenario);
+    std::filesystem::create_directories(exchange_);
+    return SystemProcessLauncher().Start(install_.Program(kName), Parameters(),
+                                         FromFsPath(work_.path()));
   }
+  // Spaces in the folder: the path travels unquoted between the angle brackets.
+  std::wstring Parameters() const { return L" 115<" + FromFsPath(exchange_) + L">"; }
+  bool Answered() const { return std::filesystem::exists(exchange_ / "DLLOutput.txt"); }
 
-  std::unique_ptr<RunningProcess> StartProbe(unsigned ms) {
-    return SystemProcessLauncher().Start(ProbeProgram(), ProbeParameters(ms, report_folder_),
-                                         FromFsPath(work_folder_));
-  }
-
-  TempFolder temp_;
-  // Spaces in both folders: the path travels unquoted between the angle brackets.
-  std::filesystem::path report_folder_ = temp_.path() / "exchange folder";
-  std::filesystem::path work_folder_ = temp_.path() / "work folder";
+  testing::EngineInstall install_{{.folder_name = L"install dir", .aliases = {kName}}};
+  testing::TempFolder work_;
+  std::filesystem::path exchange_ = install_.path() / "exchange folder";
 };
 
 TEST_F(Process, PassesTheParameterTextUnchangedAndStartsInTheWorkingFolder) {
-  auto process = StartProbe(0);
+  auto process = Start(EngineScenario().On(115).Output(0));
   ASSERT_NE(process, nullptr);
   EXPECT_EQ(process->Wait(kStartBudgetMs), WaitOutcome::kExited);
-
-  std::optional<Report> report = WaitForReport(report_folder_, 5000);
-  ASSERT_TRUE(report.has_value());
-  EXPECT_EQ(report->parameters, ProbeParameters(0, report_folder_));
-  EXPECT_TRUE(std::filesystem::equivalent(report->working_folder, work_folder_))
-      << report->working_folder;
+  auto runs = install_.Journal();
+  ASSERT_EQ(runs.size(), 1u);
+  EXPECT_EQ(runs[0].params, Parameters());
+  EXPECT_TRUE(std::filesystem::equivalent(ToFsPath(runs[0].cwd), work_.path())) << runs[0].cwd;
 }
 
 TEST_F(Process, WaitTimesOutThenTerminateEndsTheProgram) {
-  auto process = StartProbe(60000);
+  auto process = Start(EngineScenario().On(115).Delay(60000).Output(0));
   ASSERT_NE(process, nullptr);
   auto before = std::chrono::steady_clock::now();
   EXPECT_EQ(process->Wait(200), WaitOutcome::kStillRunning);
   EXPECT_GE(std::chrono::steady_clock::now() - before, std::chrono::milliseconds(190));
 
-  EXPECT_TRUE(IsProcessRunning(ProbeName()));
-  std::wstring shouted = ProbeName();
+  std::wstring shouted = kName;
   for (wchar_t& c : shouted) c = static_cast<wchar_t>(std::towupper(c));
   EXPECT_TRUE(IsProcessRunning(shouted));
   EXPECT_FALSE(IsProcessRunning(L"tavrine-no-such-program.exe"));
@@ -94,17 +62,18 @@ TEST_F(Process, WaitTimesOutThenTerminateEndsTheProgram) {
 
   EXPECT_TRUE(process->Terminate(0));
   EXPECT_EQ(process->Wait(kStartBudgetMs), WaitOutcome::kExited);
-  EXPECT_FALSE(WaitForReport(report_folder_, 0).has_value());
+  EXPECT_FALSE(Answered());
 }
 
 TEST_F(Process, DestroyingTheObjectLeavesTheProgramRunning) {
-  StartProbe(300).reset();
-  EXPECT_TRUE(WaitForReport(report_folder_, kStartBudgetMs).has_value());
+  Start(EngineScenario().On(115).Delay(300).Output(0)).reset();
+  EXPECT_TRUE(testing::WaitUntil([&] { return Answered(); }, kStartBudgetMs));
 }
 
 TEST_F(Process, AMissingProgramGivesNull) {
-  std::wstring missing = FromFsPath(TestProgramFolder() / "no-such-program.exe");
-  EXPECT_EQ(SystemProcessLauncher().Start(missing, L" 1<x>", FromFsPath(work_folder_)), nullptr);
+  EXPECT_EQ(SystemProcessLauncher().Start(install_.Program(L"no-such-program.exe"), L" 1<x>",
+                                          install_.folder()),
+            nullptr);
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #pragma once
+#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <map>
@@ -6,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -16,6 +18,17 @@
 namespace tavrine::testing {
 
 std::string Hex(std::string_view bytes);  // lower-case, as the journals write bytes
+
+// Polls until `done` holds or `limit_ms` pass; returns `done()`.
+template <class Done>
+bool WaitUntil(Done done, int limit_ms = 10000) {
+  auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(limit_ms);
+  while (!done()) {
+    if (std::chrono::steady_clock::now() >= deadline) return done();
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  return true;
+}
 
 // Builds the reference engine's engine-scenario.txt (format: tools/engine/README.md).
 //   scenario.On(115).Output(-416).Then().Output(0).WithFile("Backupfile.txt", bytes);
