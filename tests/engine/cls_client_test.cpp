@@ -60,7 +60,8 @@ ProxyBlock SampleProxy() {
   return proxy;
 }
 
-TEST_F(ClsClientTest, TwelveLineRequestByteForByte) {
+TEST_F(ClsClientTest, TwelveLineRequestByteForByteReplacingAnEarlierOne) {
+  testing::WriteFileBytes(platform::ToFsPath(folder_) / "DLLInput.txt", std::string(5000, 'x'));
   client_.WriteDLLInputFileTempFd(folder_, SampleProxy());
   EXPECT_EQ(Request(), Lines(std::wstring(kHead) + L"1\r\n2\r\nproxy.lan\r\n3128\r\npu\r\npp\r\n"));
 }
@@ -70,12 +71,6 @@ TEST_F(ClsClientTest, FifteenLineBackupSetRequestPutsNumbersAfterTheRandom) {
   EXPECT_EQ(Request(), Lines(std::wstring(kHead) +
                              L"-3\r\n70000\r\n-2147483648\r\n1\r\n2\r\nproxy.lan\r\n3128\r\n"
                              L"pu\r\npp\r\n"));
-}
-
-TEST_F(ClsClientTest, AnEarlierRequestIsReplacedNotAppendedTo) {
-  testing::WriteFileBytes(platform::ToFsPath(folder_) / "DLLInput.txt", std::string(5000, 'x'));
-  client_.WriteDLLInputFileTempFd(folder_, ProxyArguments({}, L"R1"));
-  EXPECT_EQ(Request(), Lines(std::wstring(kHead) + L"0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n"));
 }
 
 TEST_F(ClsClientTest, VersionRequestDropsTheComputerOnlyWithSeveralComputers) {
