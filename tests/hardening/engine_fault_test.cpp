@@ -5,7 +5,7 @@
 
 #include <chrono>
 #include <filesystem>
-#include <functional>
+#include <optional>
 
 #include "backup/compare_harness.h"
 #include "browsing/tavrine_enum.h"
@@ -49,71 +49,57 @@ class EngineFaults : public HardeningSession {
   long long Init() { return browsing::TavrinEenum().TavrinEInit(); }
   fs::path UserListing() const { return platform::ToFsPath(UserFolder()) / "Backupfile.txt"; }
   void WriteUserListing() const { WriteFileBytes(UserListing(), std::string(kListing, sizeof kListing - 1)); }
-  using HardeningSession::NewTrace;
-  using HardeningSession::Script;
 };
 
-// One engine round trip: its code, its good answer, the file a halfway crash
-// cuts, the call, and what the call gives when the engine fails it. An
-// unreadable code reads as 0, which some calls take as their success.
+// One engine round trip: its code and good answer (with the data file a
+// halfway crash cuts), the call, and what the call gives when the engine
+// fails it. An unreadable code reads as 0, which some calls take as success.
 struct Operation {
   const char* name;
   int code;
-  std::function<void(EngineScenario&, EngineFaults&)> good;
-  const char* data_file;  // cut in half by kCrashHalfway, after a good result code
-  std::string data_bytes;
-  std::function<long long(EngineFaults&)> call;
+  long long answer;
+  const char* data_file;  // nullptr: the answer is the code alone
+  std::string data;
+  long long (*call)(EngineFaults&);
   long long good_result;
   long long fault_result;
   long long garbage_result;
 };
 
 std::vector<Operation> Operations() {
-  const std::string listing(kListing, sizeof kListing - 1);
+  using Api = operations::clsAPI_Interface;
   return {
-      {"API_GetQuota", 114,
-       [](EngineScenario& s, EngineFaults&) {
-         s.On(114).Output(402).WithFile("Quota.txt", "100\r\n200\r\n");
-       },
-       "Quota.txt", "1234567\r\n200\r\n", [](EngineFaults& t) { return t.Quota(); }, 100, -1, -1},
-      {"API_REMOTE", 115,
-       [listing](EngineScenario& s, EngineFaults&) { s.On(115).Output(0).WithFile("Backupfile.txt", listing); },
-       "Backupfile.txt", listing, [](EngineFaults& t) { return t.Listing(); }, 402, -1, -412},
-      {"API_AutoReconnect", 116,
-       [](EngineScenario& s, EngineFaults&) {
-         s.On(116).Output(402).WithFile("DLLOutput1.txt", "127.0.0.1\r\n443\r\n");
-       },
-       "DLLOutput1.txt", "127.0.0.1\r\n443\r\n",
-       [](EngineFaults&) -> long long { return operations::clsAPI_Interface().API_AutoReconnect(); },
-       402, 0, 0},
-      {"API_UPDATE_RAND_NUM", 5, [](EngineScenario& s, EngineFaults&) { s.On(5).Output(404); },
-       nullptr, "",
-       [](EngineFaults&) -> long long { return operations::clsAPI_Interface().API_UPDATE_RAND_NUM(); },
-       404, 0, 0},
-      {"API_GETVERSIONS", 113,
-       [](EngineScenario& s, EngineFaults&) {
-         s.On(113).Output(402).WithFile("BackupVersion.txt", kVersions);
-       },
-       "BackupVersion.txt", kVersions, [](EngineFaults& t) { return t.Versions(); }, 402, 0, 0},
-      {"API_DELETE_REMOTE_FILE", 6, [](EngineScenario& s, EngineFaults&) { s.On(6).Output(402); },
-       nullptr, "", [](EngineFaults& t) { return t.Delete(); }, 1, -1, 1},
+      {"API_GetQuota", 114, 402, "Quota.txt", "100\r\n200\r\n",
+       [](EngineFaults& t) { return t.Quota(); }, 100, -1, -1},
+      {"API_REMOTE", 115, 0, "Backupfile.txt", {kListing, sizeof kListing - 1},
+       [](EngineFaults& t) { return t.Listing(); }, 402, -1, -412},
+      {"API_AutoReconnect", 116, 402, "DLLOutput1.txt", "127.0.0.1\r\n443\r\n",
+       [](EngineFaults&) -> long long { return Api().API_AutoReconnect(); }, 402, 0, 0},
+      {"API_UPDATE_RAND_NUM", 5, 404, nullptr, "",
+       [](EngineFaults&) -> long long { return Api().API_UPDATE_RAND_NUM(); }, 404, 0, 0},
+      {"API_GETVERSIONS", 113, 402, "BackupVersion.txt", kVersions,
+       [](EngineFaults& t) { return t.Versions(); }, 402, 0, 0},
+      {"API_DELETE_REMOTE_FILE", 6, 402, nullptr, "", [](EngineFaults& t) { return t.Delete(); }, 1, -1, 1},
       // The listing it loads is the user's own file; the engine only refreshes it.
-      {"TavrinEInit", 122,
-       [](EngineScenario& s, EngineFaults& t) {
-         s.On(119).Output(402).On(122).Output(402);
-         t.WriteUserListing();
-       },
-       nullptr, "", [](EngineFaults& t) { return t.Init(); }, 1, 0, 0},
+      {"TavrinEInit", 122, 402, nullptr, "", [](EngineFaults& t) { return t.Init(); }, 1, 0, 0},
   };
 }
 
-void AddFault(EngineScenario& s, const Operation& op, Fault fault) {
+// The operation's engine code answering with `fault`; nullopt: its good answer.
+EngineScenario ScenarioFor(const Operation& op, std::optional<Fault> fault) {
+  EngineScenario s;
+  if (op.code == 122) s.On(119).Output(402);
   s.On(op.code);
-  switch (fault) {
+  if (!fault) {
+    s.Output(op.answer);
+    if (op.data_file) s.WithFile(op.data_file, op.data);
+    return s;
+  }
+  switch (*fault) {
     case Fault::kCrashBeforeWriting: s.Crash(); break;
     case Fault::kCrashHalfway:
       if (op.data_file) {
-        s.Output(402).CrashHalfway(op.data_file, op.data_bytes);
+        s.Output(op.answer).CrashHalfway(op.data_file, op.data);
       } else {
         s.CrashHalfway("DLLOutput.txt", "-12009 busy\r\n");
       }
@@ -122,6 +108,7 @@ void AddFault(EngineScenario& s, const Operation& op, Fault fault) {
     case Fault::kHangPastTimeout: s.Hang(); break;
     case Fault::kNoAnswer: s.Exit(0); break;
   }
+  return s;
 }
 
 TEST_F(EngineFaults, EachOperationSurvivesEachFault) {
@@ -129,26 +116,17 @@ TEST_F(EngineFaults, EachOperationSurvivesEachFault) {
     for (std::size_t index = 0; index < std::size(kFaultNames); ++index) {
       const auto fault = static_cast<Fault>(index);
       SCOPED_TRACE(std::string(op.name) + ": " + kFaultNames[index]);
-      EngineScenario bad;
-      if (op.code == 122) {
-        bad.On(119).Output(402);
-        fs::remove(UserListing());
-      }
-      AddFault(bad, op, fault);
-      Script(bad);
+      fs::remove(UserListing());
+      Script(ScenarioFor(op, fault));
       NewTrace();
       auto started = std::chrono::steady_clock::now();
       long long result = op.call(*this);
       auto took = std::chrono::steady_clock::now() - started;
+      std::string trace = NewTrace();
       // A halfway crash leaves a good code and a cut data file: what the cut
       // file holds is used, so only "no crash, no hang" is asserted then.
-      if (fault == Fault::kGarbage) {
-        EXPECT_EQ(result, op.garbage_result);
-      } else if (fault != Fault::kCrashHalfway) {
-        EXPECT_EQ(result, op.fault_result);
-      }
-      std::string trace = NewTrace();
       if (fault != Fault::kCrashHalfway) {
+        EXPECT_EQ(result, fault == Fault::kGarbage ? op.garbage_result : op.fault_result);
         EXPECT_FALSE(trace.empty()) << "no trace line";
       }
       if (fault == Fault::kHangPastTimeout) {
@@ -156,9 +134,8 @@ TEST_F(EngineFaults, EachOperationSurvivesEachFault) {
       }
       EXPECT_LT(took, std::chrono::seconds(30));
 
-      EngineScenario good;
-      op.good(good, *this);
-      Script(good);
+      Script(ScenarioFor(op, std::nullopt));
+      WriteUserListing();
       EXPECT_EQ(op.call(*this), op.good_result) << "the next good call";
     }
   }
