@@ -13,12 +13,10 @@ TEST(HostResolver, DottedIPv4Check) {
     bool valid;
   };
   const Case cases[] = {
-      {L"1.2.3.4", true},       {L"0.0.0.0", true},        {L"255.255.255.255", true},
-      {L"192.168.001.010", true}, {L"256.1.1.1", false},   {L"1.2.3.256", false},
-      {L"1.2.3", false},        {L"1.2.3.4.5", false},     {L"1..3.4", false},
-      {L".1.2.3", false},       {L"1.2.3.4.", false},      {L"", false},
-      {L"a.b.c.d", false},      {L" 1.2.3.4", false},      {L"1.2.3.4 ", false},
-      {L"+1.2.3.4", false},     {L"1.2.3.-4", false},      {L"0001.2.3.4", false},
+      {L"1.2.3.4", true},     {L"255.255.255.255", true}, {L"192.168.001.010", true},
+      {L"256.1.1.1", false},  {L"1.2.3", false},          {L"1.2.3.4.5", false},
+      {L"1..3.4", false},     {L"1.2.3.4.", false},       {L"", false},
+      {L" 1.2.3.4", false},   {L"+1.2.3.4", false},       {L"0001.2.3.4", false},
       {L"\uFF11.2.3.4", false},  // full-width digit one
   };
   for (const Case& c : cases) {
