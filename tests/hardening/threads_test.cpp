@@ -3,7 +3,6 @@
 // them apart.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <barrier>
 #include <string>
 #include <thread>
@@ -18,18 +17,10 @@
 #include "support/fake_clock.h"
 #include "support/install_folder.h"
 #include "support/recording_ui.h"
+#include "support/temp_folder.h"
 
 namespace tavrine::testing {
 namespace {
-
-std::string Utf16Listing(const std::wstring& text) {
-  std::string bytes = "\xFF\xFE";
-  for (wchar_t c : text) {
-    bytes += static_cast<char>(c & 0xFF);
-    bytes += static_cast<char>((c >> 8) & 0xFF);
-  }
-  return bytes;
-}
 
 // An installation of its own: on Windows the profile of an installation is
 // one registry key, shared by every thread of the process.
@@ -65,11 +56,10 @@ struct Walker {
     std::wstring text;
     for (int i = 0; i < files; ++i)
       text += L"C:\\" + user + L"\\f" + std::to_wstring(i) + L".txt/1/10/01-31-2011 13:05:09/U\r\n";
-    install.WriteFile(L"listing.txt", Utf16Listing(text));
     install.SetScenario(EngineScenario().On(119).Output(402).On(122).Output(402));
     auto user_folder = install.path() / platform::ToFsPath(installation + user);
     std::filesystem::create_directories(user_folder);
-    WriteFileBytes(user_folder / "Backupfile.txt", Utf16Listing(text));
+    WriteFileBytes(user_folder / "Backupfile.txt", Utf16LeFile(text));
 
     together.arrive_and_wait();
     for (int round = 0; round < rounds; ++round) {
