@@ -1,4 +1,6 @@
 #pragma once
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <string>
 
@@ -26,6 +28,12 @@ class BackupTest : public SessionTest {
     WriteFileBytes(ScheduleFile("scheduleData.txt"), bytes);
   }
   static std::wstring Profile(const wchar_t* name) { return profile::GetUserProfile(name); }
+  // Whatever ends a backup before its upload leaves the schedule resumed.
+  void ExpectScheduleResumed() const {
+    EXPECT_FALSE(std::filesystem::exists(ScheduleFile("schedulerStatus.txt")));
+    EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
+    EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
+  }
 
   std::wstring folder_;
 };

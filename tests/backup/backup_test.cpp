@@ -61,7 +61,9 @@ TEST_F(CompareStep, ResultComesFromTheFirstLineOfDllOutput1) {
     SCOPED_TRACE(c.scenario);
     testing::WriteCompareScenario(install_.path(), c.scenario);
     testing::WriteFileBytes(Folder() / "DLLOutput1.txt", "1\r\n");  // stale: must be cleared
+    SetScheduleData("4242\r\nnightly\r\n");
     EXPECT_EQ(CBackup().W_BackupInit(0, folder_), c.result);
+    if (c.result != 1) ExpectScheduleResumed();
   }
 }
 
@@ -73,6 +75,7 @@ TEST_F(CompareStep, ListingFailureOrMissingInputStopsBeforeTheCompare) {
     std::int32_t result;
   } cases[] = {
       {"busy server", EngineScenario().On(115).Info(-416), true, -416},
+      {"listing failed", EngineScenario().On(115).Info(-12009), true, -12009},
       {"no input list", EmptyListing(), false, -1},
   };
   testing::WriteCompareScenario(install_.path(), "result 1\n");
@@ -81,7 +84,9 @@ TEST_F(CompareStep, ListingFailureOrMissingInputStopsBeforeTheCompare) {
     install_.SetScenario(c.listing);
     fs::remove(Folder() / "InputList.txt");
     if (c.input_list) testing::WriteFileBytes(Folder() / "InputList.txt", "C:\\x.txt\r\n");
+    SetScheduleData("4242\r\nnightly\r\n");
     EXPECT_EQ(CBackup().W_BackupInit(0, folder_), c.result);
+    ExpectScheduleResumed();
   }
   EXPECT_TRUE(testing::ReadCompareJournal(install_.path()).empty());
 }
@@ -126,10 +131,7 @@ TEST_F(CompareStep, CancelEndsTheWaitWithinASecondAndKillsOnlyThatProgram) {
   EXPECT_EQ(bystander->Wait(0), platform::WaitOutcome::kStillRunning);
   bystander->Terminate(0);
 
-  // The cancelled backup leaves the schedule resumed.
-  EXPECT_FALSE(fs::exists(ScheduleFile("schedulerStatus.txt")));
-  EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
-  EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
+  ExpectScheduleResumed();
 }
 
 using ManualBackup = BackupTest;
@@ -160,35 +162,8 @@ TEST_F(ManualBackup, PausesTheScheduleUntilTheExit) {
   EXPECT_EQ(install_.Journal()[1].folder, folder_);
 
   EXPECT_EQ(backup.W_BackupExitInstance(), 1);
-  EXPECT_FALSE(fs::exists(ScheduleFile("schedulerStatus.txt")));
-  EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
-  EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
+  ExpectScheduleResumed();
   EXPECT_EQ(Profile(L"CLASSIC_SESSION"), L"FALSE");
-}
-
-TEST_F(ManualBackup, AnEndWithoutUploadResumesTheSchedule) {
-  struct Case {
-    const char* name;
-    EngineScenario listing;
-    const char* compare;
-    std::int32_t result;
-  } cases[] = {
-      {"listing failed", EngineScenario().On(115).Info(-12009), "result 1\n", -12009},
-      {"nothing new", EmptyListing(), "result 0\n", 0},
-      {"compare crashed", EmptyListing(), "crash\n", -1},
-  };
-  testing::WriteFileBytes(Folder() / "InputList.txt", "C:\\x.txt\r\n");
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    install_.SetScenario(c.listing);
-    testing::WriteCompareScenario(install_.path(), c.compare);
-    SetScheduleData("4242\r\nnightly\r\n");
-    CBackup backup;
-    EXPECT_EQ(backup.W_BackupInit(0, folder_), c.result);
-    EXPECT_FALSE(fs::exists(ScheduleFile("schedulerStatus.txt")));
-    EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
-    EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
-  }
 }
 
 TEST_F(ManualBackup, UploadThatCannotStartOrIsCancelledLeavesNoUploadRecorded) {
@@ -204,8 +179,7 @@ TEST_F(ManualBackup, UploadThatCannotStartOrIsCancelledLeavesNoUploadRecorded) {
     EXPECT_EQ(backup.W_DoBackup(completed), 401);
     EXPECT_EQ(completed, -5);
     EXPECT_TRUE(install_.Journal().empty());
-    EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
-    EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
+    ExpectScheduleResumed();
     fs::remove(Folder() / "cancel.txt");
   }
   {
@@ -216,9 +190,7 @@ TEST_F(ManualBackup, UploadThatCannotStartOrIsCancelledLeavesNoUploadRecorded) {
     backup.W_BackupInit(0, folder_);  // no listing either: the engine is gone
     std::int32_t completed = 0;
     EXPECT_EQ(backup.W_DoBackup(completed), -1);
-    EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
-    EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
-    EXPECT_FALSE(fs::exists(ScheduleFile("schedulerStatus.txt")));
+    ExpectScheduleResumed();
   }
 }
 
