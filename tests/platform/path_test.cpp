@@ -2,10 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
-#include "support/temp_folder.h"
-
 namespace tavrine::platform {
 namespace {
 
@@ -31,21 +27,6 @@ TEST(Path, Utf8Conversions) {
 TEST(Path, MalformedUtf8BecomesReplacementCharacters) {
   EXPECT_EQ(Utf8ToWide("a\xFF" "b"), L"a\uFFFD" L"b");
   EXPECT_EQ(Utf8ToWide("a\xC3"), L"a\uFFFD");
-}
-
-TEST(Path, NonAsciiFileNamesRoundTripThroughTheFileSystem) {
-  testing::TempFolder folder;
-  const std::wstring name = L"Gr\u00FC\u00DFe \u20AC \u4E2D.txt";
-  std::wstring file = folder.wpath() + kPathSeparator + name;
-  { std::ofstream(ToFsPath(file)) << "x"; }
-
-  std::vector<std::wstring> found;
-  for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-    found.push_back(FromFsPath(entry.path().filename()));
-  }
-  ASSERT_EQ(found.size(), 1u);
-  EXPECT_EQ(found[0], name);
-  EXPECT_EQ(FromFsPath(ToFsPath(file)), file);
 }
 
 }  // namespace
