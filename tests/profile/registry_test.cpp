@@ -128,15 +128,27 @@ TEST_F(RegistrySeam, StoreFileIsPrivateAndReplacedWithoutLeftovers) {
   EXPECT_EQ(entries, 1);
 }
 
-TEST_F(RegistrySeam, DamagedStoreFileKeepsWhatCanStillBeRead) {
+TEST_F(RegistrySeam, DamagedStoreFileKeepsWhatCanStillBeReadAndIsWrittenAgain) {
   ASSERT_TRUE(registry_->WriteString(key_, L"good", L"kept"));
   if (!FileBacked()) GTEST_SKIP() << "kept in the registry here";
   fs::path file = temp_.path() / "store.ini";
-  std::string bytes = testing::ReadFileBytes(file);
-  testing::WriteFileBytes(file, bytes + "garbage without equals\n[unterminated\nx=y\n\xFF\xFE\x01\n" +
-                                    "[" + WideToUtf8(key_) + "]\ngood=second copy loses\n");
-  EXPECT_EQ(registry_->ReadString(key_, L"good"), L"kept");
-  ASSERT_TRUE(registry_->WriteString(key_, L"more", L"1"));
+  const std::string good = testing::ReadFileBytes(file);
+  const std::string damage[] = {
+      "garbage without equals\n[unterminated\nx=y\n\xFF\xFE\x01\n", "=\n[]\n[\\\\\\]\n=x\n",
+      std::string("\x00\xFF\x01\x02garbage", 11), "\xEF\xBB\xBF", std::string(100000, '['),
+  };
+  for (const std::string& bytes : damage) {
+    for (const std::string& text : {bytes + "\n" + good, good + bytes}) {
+      SCOPED_TRACE(::testing::PrintToString(text.substr(0, 40)));
+      testing::WriteFileBytes(file, text);
+      EXPECT_EQ(registry_->ReadString(key_, L"good"), L"kept");
+      ASSERT_TRUE(registry_->WriteString(key_, L"more", L"1"));
+      EXPECT_EQ(registry_->ReadString(key_, L"good"), L"kept");
+      EXPECT_EQ(registry_->ReadString(key_, L"more"), L"1");
+    }
+  }
+  // A second copy of a section loses to the first.
+  testing::WriteFileBytes(file, good + "[" + WideToUtf8(key_) + "]\ngood=second copy loses\n");
   EXPECT_EQ(registry_->ReadString(key_, L"good"), L"kept");
 }
 
