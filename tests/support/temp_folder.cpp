@@ -4,6 +4,7 @@
 #include <chrono>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <sstream>
 #include <system_error>
 
@@ -11,24 +12,19 @@
 
 #ifdef _WIN32
 #include <windows.h>
-#else
-#include <unistd.h>
 #endif
 
 namespace tavrine::testing {
 
 namespace {
 
+// Unique across the test programs running at once, and within one.
 std::string UniqueName() {
+  static const unsigned program = std::random_device()();
   static std::atomic<unsigned> counter{0};
   auto ticks = std::chrono::steady_clock::now().time_since_epoch().count();
-#ifdef _WIN32
-  unsigned long pid = GetCurrentProcessId();
-#else
-  unsigned long pid = static_cast<unsigned long>(getpid());
-#endif
   std::ostringstream name;
-  name << "tavrine-test-" << pid << "-" << ticks << "-" << counter++;
+  name << "tavrine-test-" << program << "-" << ticks << "-" << counter++;
   return name.str();
 }
 
