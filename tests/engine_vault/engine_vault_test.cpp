@@ -10,8 +10,6 @@
 #include "operations/cls_api_interface.h"
 #include "support/fake_clock.h"
 #include "support/recording_ui.h"
-#include "foundation/text_file.h"
-#include "platform/ini_file.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
 #include "support/temp_folder.h"
@@ -28,8 +26,6 @@ std::string SampleText(const std::string& path, int version) {
     text += path + " version " + std::to_string(version) + " line " + std::to_string(i) + "\r\n";
   return text;
 }
-
-std::string Read(const fs::path& file) { return ReadFileBytes(file); }
 
 long Bars(const std::string& text) { return static_cast<long>(std::count(text.begin(), text.end(), '|')); }
 
@@ -100,7 +96,7 @@ TEST_F(Vault, FailureFileCarriesCodeAndText) {
   LogIn(L"nobody", L"x");
   fs::path folder = Exchange("H_info");
   Ask(114, folder);
-  EXPECT_EQ(Read(folder / "DLLOutputInfo.txt"), "-401\r\nInvalid username\r\n");
+  EXPECT_EQ(ReadFileBytes(folder / "DLLOutputInfo.txt"), "-401\r\nInvalid username\r\n");
   EXPECT_FALSE(fs::exists(folder / "DLLOutput.txt"));
   EXPECT_FALSE(fs::exists(folder / "Quota.txt"));
 }
@@ -123,21 +119,21 @@ TEST_F(Vault, FirstSessionSetsTheChosenKey) {
   LogIn(L"dora", L"dora-pass", L"dora secret e");
   EXPECT_EQ(Ask(111).code, -404);
   // The key is kept only as a salted digest.
-  EXPECT_EQ(Read(vault() / "accounts/dora/account.txt").find("dora secret"), std::string::npos);
+  EXPECT_EQ(ReadFileBytes(vault() / "accounts/dora/account.txt").find("dora secret"), std::string::npos);
 }
 
 TEST_F(Vault, QuotaCountsEveryStoredVersion) {
   LogIn(L"ben", L"ben-pass");
   fs::path folder = Exchange("H_quota");
   EXPECT_EQ(Ask(114, folder).code, 402);
-  EXPECT_EQ(Read(folder / "Quota.txt"), "379\r\n12884901888\r\n");  // 41 + 82 + 256
+  EXPECT_EQ(ReadFileBytes(folder / "Quota.txt"), "379\r\n12884901888\r\n");  // 41 + 82 + 256
 }
 
 TEST_F(Vault, ListingByteForByte) {
   LogIn(L"ben", L"ben-pass");
   fs::path folder = Exchange("H_list");
   EXPECT_EQ(Ask(115, folder).code, 0);
-  EXPECT_EQ(Read(folder / "Backupfile.txt"),
+  EXPECT_EQ(ReadFileBytes(folder / "Backupfile.txt"),
             Utf16LeFile(L"C:\\Users\\ben\\notes.txt/2/82/01-17-2023 09:30:00/A\r\n"
                   L"C:\\Users\\ben\\Pictures\\cat.bin/1/256/01-26-2023 09:30:00/A\r\n"));
 
@@ -152,7 +148,7 @@ TEST_F(Vault, BrowseInitWritesOneListingPerComputerAndTheMachineList) {
   EXPECT_EQ(Ask(122).code, 402);
   EXPECT_EQ(profile::GetUserProfile(L"Count"), L"2");
   EXPECT_EQ(profile::GetUserProfile(L"List"), L"HOMEPC|1|1;WORKPC|2|1;");
-  EXPECT_EQ(Read(UserFolder() / "WORKPC" / "Backupfile.txt"),
+  EXPECT_EQ(ReadFileBytes(UserFolder() / "WORKPC" / "Backupfile.txt"),
             Utf16LeFile(L"C:\\Projects\\plan.txt/4/156/02-28-2023 09:30:00/A\r\n"
                   L"C:\\Projects\\\u65e5\u672c\u8a9e\\\u30e1\u30e2.txt/2/102/03-08-2023 09:30:00/A\r\n"));
   EXPECT_TRUE(fs::exists(UserFolder() / "HOMEPC" / "Backupfile.txt"));
@@ -168,9 +164,9 @@ TEST_F(Vault, BrowseInitWritesOneListingPerComputerAndTheMachineList) {
 
 TEST_F(Vault, VersionsOfAFile) {
   LogIn(L"anna", L"anna-pass");
-  fs::path folder = Exchange("H_versions");
-  EXPECT_EQ(AskVersions(L"HOMEPC\\C:\\Documents\\Reports\\2023\\Q1 report.txt", folder).code, 402);
-  EXPECT_EQ(Read(folder / "BackupVersion.txt"),
+  std::string text;
+  EXPECT_EQ(AskVersions(L"HOMEPC\\C:\\Documents\\Reports\\2023\\Q1 report.txt", &text).code, 402);
+  EXPECT_EQ(text,
             "1/01-16-2023 09:30:00/01-16-2023 10:30:00/58|"
             "2/01-17-2023 09:30:00/01-17-2023 10:30:00/116|"
             "3/01-18-2023 09:30:00/01-18-2023 10:30:00/174|\r\n");
@@ -187,9 +183,7 @@ TEST_F(Vault, VersionsOfAFile) {
       {L"HOMEPC\\C:\\Documents\\..\\..\\..\\..\\ben\\computers\\BENLAPTOP\\C:\\Users\\ben\\notes.txt", -408, 0},
   };
   for (const Row& row : rows) {
-    folder = Exchange("H_versions");
-    EXPECT_EQ(AskVersions(row.remote, folder).code, row.code) << platform::WideToUtf8(row.remote);
-    std::string text = Read(folder / "BackupVersion.txt");
+    EXPECT_EQ(AskVersions(row.remote, &text).code, row.code) << platform::WideToUtf8(row.remote);
     EXPECT_EQ(static_cast<std::size_t>(Bars(text)), row.versions);
     if (row.versions == 0) {
       EXPECT_EQ(text, "0\r\n");
@@ -200,15 +194,7 @@ TEST_F(Vault, VersionsOfAFile) {
 class VaultRestore : public VaultTest {
  protected:
   VaultAnswer Restore(const std::wstring& parent, const std::wstring& hosts) {
-    fs::path folder = Exchange("H_restore");
-    foundation::WriteUtf16Lines(platform::FromFsPath(folder / "restdestdir.txt"),
-                                {L"0", L"4", platform::FromFsPath(destination_.path()), parent});
-    if (!hosts.empty()) {
-      const std::wstring mpc = platform::FromFsPath(folder / "MPC.ini");
-      platform::WriteIniString(L"MPC", L"Hosts", hosts, mpc);
-      platform::WriteIniString(L"MPC", L"HostCount", L"1", mpc);
-    }
-    return Ask(123, folder);
+    return VaultTest::Restore(destination_.path(), parent, hosts);
   }
   std::size_t FilesRestored() const {
     std::size_t count = 0;
@@ -223,7 +209,7 @@ TEST_F(VaultRestore, FolderOfOneComputerLandsUnderItsNameWithTheLatestVersions) 
   LogIn(L"anna", L"anna-pass", L"anna-key-2024");
   EXPECT_EQ(Restore(L"C:\\Documents", L"HOMEPC|1|1;").code, 402);
   const fs::path report = destination_.path() / "Documents" / "Reports" / "2023" / "Q1 report.txt";
-  EXPECT_EQ(Read(report), SampleText("C:\\Documents\\Reports\\2023\\Q1 report.txt", 3));
+  EXPECT_EQ(ReadFileBytes(report), SampleText("C:\\Documents\\Reports\\2023\\Q1 report.txt", 3));
   EXPECT_EQ(FilesRestored(), 3u);
   EXPECT_TRUE(fs::exists(destination_.path() / "Documents" /
                          platform::ToFsPath(L"\u0424\u043e\u0442\u043e") /
@@ -236,7 +222,7 @@ TEST_F(VaultRestore, FolderOfOneComputerLandsUnderItsNameWithTheLatestVersions) 
 TEST_F(VaultRestore, ComputerComesFromMpcIniOrTheLeadingName) {
   LogIn(L"anna", L"anna-pass", L"anna-key-2024");
   EXPECT_EQ(Restore(L"C:\\Projects\\plan.txt", L"WORKPC|2|1;").code, 402);
-  EXPECT_EQ(Read(destination_.path() / "plan.txt"), SampleText("C:\\Projects\\plan.txt", 4));
+  EXPECT_EQ(ReadFileBytes(destination_.path() / "plan.txt"), SampleText("C:\\Projects\\plan.txt", 4));
   EXPECT_EQ(Restore(L"C:\\Projects\\plan.txt", L"HOMEPC|1|1;").code, -408);
   EXPECT_EQ(Restore(L"WORKPC\\C:\\Projects", L"anna|0;").code, 402);
   EXPECT_TRUE(fs::exists(destination_.path() / "Projects" / "plan.txt"));
@@ -264,10 +250,10 @@ TEST_F(Vault, DeleteRemovesListedItemsAndRefusesEscapes) {
   EXPECT_TRUE(fs::exists(vault() / "accounts" / "ben" / "account.txt"));
 
   EXPECT_EQ(Ask(122).code, 402);
-  EXPECT_EQ(Read(UserFolder() / "WORKPC" / "Backupfile.txt"),
+  EXPECT_EQ(ReadFileBytes(UserFolder() / "WORKPC" / "Backupfile.txt"),
             Utf16LeFile(L"C:\\Projects\\\u65e5\u672c\u8a9e\\\u30e1\u30e2.txt"
                         L"/2/102/03-08-2023 09:30:00/A\r\n"));
-  EXPECT_EQ(Utf16LeText(Read(UserFolder() / "HOMEPC" / "Backupfile.txt")).find(L"Reports"),
+  EXPECT_EQ(Utf16LeText(ReadFileBytes(UserFolder() / "HOMEPC" / "Backupfile.txt")).find(L"Reports"),
             std::wstring::npos);
 }
 
@@ -278,7 +264,7 @@ TEST_F(Vault, RegistrationBindsTheRandomNumberToTheHomeComputer) {
   EXPECT_EQ(AskRandom(5, L"Does not exist").code, -510);
   EXPECT_EQ(AskRandom(5, L"1234567890").code, 404);
   EXPECT_EQ(AskRandom(115, L"1234567890").code, 0);
-  EXPECT_NE(Read(vault() / "accounts/ben/account.txt").find("machine-code = 1234567890 BENLAPTOP"),
+  EXPECT_NE(ReadFileBytes(vault() / "accounts/ben/account.txt").find("machine-code = 1234567890 BENLAPTOP"),
             std::string::npos);
 }
 
@@ -296,18 +282,14 @@ class VaultUpload : public VaultTest {
     return Ask(110, folder);
   }
   std::string Versions() {
-    fs::path folder = Exchange("H_versions");
-    AskVersions(RemoteFormOf(local_), folder);
-    return Read(folder / "BackupVersion.txt");
+    std::string text;
+    AskVersions(RemoteFormOf(local_), &text);
+    return text;
   }
   std::string RestoredBytes() {
     TempFolder destination;
-    fs::path folder = Exchange("H_restore");
-    foundation::WriteUtf16Lines(platform::FromFsPath(folder / "restdestdir.txt"),
-                                {L"0", L"4", platform::FromFsPath(destination.path()),
-                                 RemoteFormOf(local_)});
-    Ask(123, folder);
-    return Read(destination.path() / local_.filename());
+    Restore(destination.path(), RemoteFormOf(local_));
+    return ReadFileBytes(destination.path() / local_.filename());
   }
   TempFolder local_folder_;
   fs::path local_;
@@ -325,7 +307,7 @@ TEST_F(VaultUpload, EachUploadAddsAVersionTheListingAndRestoreSee) {
   fs::path folder = Exchange("H_list");
   Ask(115, folder);
   const std::wstring line = RemoteFormOf(local_) + L"/2/14/";
-  const std::wstring listing = Utf16LeText(Read(folder / "Backupfile.txt"));
+  const std::wstring listing = Utf16LeText(ReadFileBytes(folder / "Backupfile.txt"));
   EXPECT_NE(Lower(listing).find(Lower(line)), std::wstring::npos);
 }
 
@@ -379,9 +361,9 @@ TEST_F(Vault, RunsAreJournaledAndAScenarioTakesPrecedence) {
 }
 
 TEST_F(Vault, SampleVaultIsNeverMadeOverAnExistingOne) {
-  const std::string before = Read(vault() / "accounts/ben/account.txt");
+  const std::string before = ReadFileBytes(vault() / "accounts/ben/account.txt");
   install_.Run(L"--make-sample-vault " + platform::FromFsPath(vault()));
-  EXPECT_EQ(Read(vault() / "accounts/ben/account.txt"), before);
+  EXPECT_EQ(ReadFileBytes(vault() / "accounts/ben/account.txt"), before);
 }
 
 }  // namespace

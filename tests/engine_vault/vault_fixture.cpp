@@ -5,6 +5,8 @@
 #include "engine/engine_run.h"
 #include "engine/proxy.h"
 #include "foundation/settings.h"
+#include "foundation/text_file.h"
+#include "platform/ini_file.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
 #include "support/install_folder.h"
@@ -67,11 +69,26 @@ VaultAnswer VaultTest::Ask(int code, const fs::path& folder, const std::wstring&
   return ReadAnswer(client_, folder);
 }
 
-VaultAnswer VaultTest::AskVersions(const std::wstring& remote, const fs::path& folder) {
+VaultAnswer VaultTest::AskVersions(const std::wstring& remote, std::string* versions) {
+  const fs::path folder = Exchange("H_versions");
   client_.WriteDLLInputVersionFile(platform::FromFsPath(folder),
                                    engine::ProxyArguments({}, L"MACHINECODEREADONLY"), remote);
   RunEngine(113, folder);
+  if (versions) *versions = ReadFileBytes(folder / "BackupVersion.txt");
   return ReadAnswer(client_, folder);
+}
+
+VaultAnswer VaultTest::Restore(const fs::path& destination, const std::wstring& parent,
+                               const std::wstring& hosts) {
+  const fs::path folder = Exchange("H_restore");
+  foundation::WriteUtf16Lines(platform::FromFsPath(folder / "restdestdir.txt"),
+                              {L"0", L"4", platform::FromFsPath(destination), parent});
+  if (!hosts.empty()) {
+    const std::wstring mpc = platform::FromFsPath(folder / "MPC.ini");
+    platform::WriteIniString(L"MPC", L"Hosts", hosts, mpc);
+    platform::WriteIniString(L"MPC", L"HostCount", L"1", mpc);
+  }
+  return Ask(123, folder);
 }
 
 void VaultTest::AppendToVaultFile(const fs::path& relative, const std::string& lines) const {

@@ -38,8 +38,11 @@ class VaultTest : public ::testing::Test {
   VaultAnswer AskRandom(int code, const std::wstring& random) {
     return Ask(code, Exchange("H_" + std::to_string(code)), random);
   }
-  // The 13-line versions request for a remote file.
-  VaultAnswer AskVersions(const std::wstring& remote, const std::filesystem::path& folder);
+  // The 13-line versions request for a remote file; `versions` gets BackupVersion.txt.
+  VaultAnswer AskVersions(const std::wstring& remote, std::string* versions = nullptr);
+  // A restore request (restdestdir.txt, and MPC.ini unless `hosts` is empty).
+  VaultAnswer Restore(const std::filesystem::path& destination, const std::wstring& parent,
+                      const std::wstring& hosts = L"");
 
   // Appends "key = value" lines (later lines win) to a vault file.
   void AppendToVaultFile(const std::filesystem::path& relative, const std::string& lines) const;
