@@ -118,31 +118,41 @@ TEST_F(ClsClientTest, CacheFallsBackToOlderProfileValues) {
   EXPECT_EQ(Request(), Lines(L"9.9.9.9\r\n21\r\ncde\r\n\r\nqnf\r\nR1\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n"));
 }
 
-struct ResultCase {
-  const char* name;
-  const char* output;  // nullptr: file absent
-  const char* info;
-  bool result;
-  double value;
-  const wchar_t* description;
-};
-
+// Whatever the result files hold, the value stays a number and the description a line.
 TEST_F(ClsClientTest, ResultFilesAreReadInTheirOrder) {
-  const ResultCase cases[] = {
+  const std::string megabyte(1 << 20, '7');
+  const struct {
+    const char* name;
+    std::optional<std::string> output;  // nullopt: file absent
+    std::optional<std::string> info;
+    bool result;
+    double value;
+    std::wstring description;
+  } cases[] = {
       {"success", "402\r\n", "-416\r\nignored\r\n", true, 402, L"keep"},
       {"empty success falls to info", "", "-504\r\nNetwork\r\n", false, -504, L"Network"},
-      {"info with one line keeps the text", nullptr, "-416\r\n", false, -416, L"keep"},
-      {"info with an empty second line", nullptr, "-416\r\n\r\n", false, -416, L""},
-      {"not a number keeps the value", "garbage\r\n", nullptr, true, 7, L"keep"},
-      {"no answer at all", nullptr, nullptr, false, 7, L"keep"},
+      {"info with one line keeps the text", {}, "-416\r\n", false, -416, L"keep"},
+      {"info with an empty second line", {}, "-416\r\n\r\n", false, -416, L""},
+      {"not a number keeps the value", "garbage\r\n", {}, true, 7, L"keep"},
+      {"no answer at all", {}, {}, false, 7, L"keep"},
+      // Past the range of a double is "not a number".
+      {"a megabyte of digits", megabyte + "\r\n", {}, true, 7, L"keep"},
+      {"a megabyte-long description", {}, "-12009\r\n" + megabyte + "\r\n", false, -12009,
+       std::wstring(1 << 20, L'7')},
+      {"NUL inside the number", std::string("40\0" "2\r\n", 5), {}, true, 7, L"keep"},
+      {"NUL only", std::string("\0\0\0", 3), {}, true, 7, L"keep"},
+      {"overflowing number", "-99999999999999999999999\r\n", {}, true, -99999999999999999999999.0, L"keep"},
+      {"exponent past double", "1e999999\r\n", {}, true, 7, L"keep"},
+      {"hex and words", "0x1F\r\n", "inf\r\nnan\r\n", true, 7, L"keep"},
+      {"UTF-16 where ANSI is read", "\xFF\xFE" "4\0" "0\0" "2\0", {}, true, 7, L"keep"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     auto folder = platform::ToFsPath(folder_);
     std::filesystem::remove(folder / "DLLOutput.txt");
     std::filesystem::remove(folder / "DLLOutputInfo.txt");
-    if (c.output) testing::WriteFileBytes(folder / "DLLOutput.txt", c.output);
-    if (c.info) testing::WriteFileBytes(folder / "DLLOutputInfo.txt", c.info);
+    if (c.output) testing::WriteFileBytes(folder / "DLLOutput.txt", *c.output);
+    if (c.info) testing::WriteFileBytes(folder / "DLLOutputInfo.txt", *c.info);
     bool result = !c.result;
     std::wstring description = L"keep";
     double value = 7;
