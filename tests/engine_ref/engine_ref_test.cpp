@@ -43,46 +43,46 @@ std::vector<std::string> Answered(const fs::path& folder) {
 
 using Names = std::vector<std::string>;
 
-TEST(EngineRefQueue, PlaysAnswersInOrderThenRepeatsTheLast) {
-  EngineInstall install;
-  install.SetScenario(
-      EngineScenario().On(115).Output(-416).Then().Info(-12009, "Server busy").Then().Output(0));
-
-  std::vector<fs::path> folders;
-  for (int run = 0; run < 4; ++run) {
-    folders.push_back(MakeExchange(install, "H_1_02_00" + std::to_string(run)));
-    ASSERT_EQ(RunToEnd(install, 115, folders.back()), WaitOutcome::kExited);
-  }
-  EXPECT_EQ(Answered(folders[0]), Names{"DLLOutput.txt"});
-  EXPECT_EQ(ReadFileBytes(folders[0] / "DLLOutput.txt"), "-416\r\n");
-  EXPECT_EQ(Answered(folders[1]), Names{"DLLOutputInfo.txt"});
-  EXPECT_EQ(ReadFileBytes(folders[1] / "DLLOutputInfo.txt"), "-12009\r\nServer busy\r\n");
-  EXPECT_EQ(ReadFileBytes(folders[2] / "DLLOutput.txt"), "0\r\n");
-  EXPECT_EQ(ReadFileBytes(folders[3] / "DLLOutput.txt"), "0\r\n");
-
-  std::vector<std::size_t> answers;
-  for (const EngineRun& run : install.Journal()) answers.push_back(run.answer.value_or(99));
-  EXPECT_EQ(answers, (std::vector<std::size_t>{0, 1, 2, 2}));
-}
-
-TEST(EngineRefQueue, EachCodeKeepsItsOwnPlaceAndACodeWithoutOneAnswersNothing) {
-  EngineInstall install;
+// Each code plays its answers in order, then repeats the last; alias names
+// share the queue; a code without an entry, or no scenario at all, answers nothing.
+TEST(EngineRefQueue, EachCodePlaysItsAnswersInOrderThenRepeatsTheLast) {
+  EngineInstall install({.aliases = {L"TavrinEClsClient.exe"}});
   fs::path bare = MakeExchange(install, "no scenario");
-  ASSERT_EQ(RunToEnd(install, 115, bare), WaitOutcome::kExited);
+  ASSERT_EQ(RunToEnd(install, 113, bare), WaitOutcome::kExited);
   EXPECT_EQ(Answered(bare), Names{});
 
-  install.SetScenario(EngineScenario().On(114).Output(1).Then().Output(2).On(115).Output(7));
-  std::string seen;
-  int run = 0;
-  for (int code : {115, 114, 116, 115, 114}) {
-    fs::path folder = MakeExchange(install, "H_" + std::to_string(++run));
-    ASSERT_EQ(RunToEnd(install, code, folder), WaitOutcome::kExited);
-    seen += ReadFileBytes(folder / "DLLOutput.txt");
+  install.SetScenario(EngineScenario().On(115).Output(-416).Then().Info(-12009, "Server busy")
+                          .Then().Output(0).On(114).Output(7));
+  const struct {
+    int code;
+    const wchar_t* program;
+    const char* file;  // nullptr: nothing answered
+    const char* bytes;
+  } runs[] = {
+      {115, L"TavrinEClient.exe", "DLLOutput.txt", "-416\r\n"},
+      {114, L"TavrinEClsClient.exe", "DLLOutput.txt", "7\r\n"},
+      {115, L"TavrinEClsClient.exe", "DLLOutputInfo.txt", "-12009\r\nServer busy\r\n"},
+      {116, L"TavrinEClient.exe", nullptr, ""},
+      {115, L"TavrinEClient.exe", "DLLOutput.txt", "0\r\n"},
+      {115, L"TavrinEClient.exe", "DLLOutput.txt", "0\r\n"},
+      {114, L"TavrinEClient.exe", "DLLOutput.txt", "7\r\n"},
+  };
+  int number = 0;
+  for (const auto& run : runs) {
+    SCOPED_TRACE(++number);
+    fs::path folder = MakeExchange(install, "H_" + std::to_string(number));
+    ASSERT_EQ(RunToEnd(install, run.code, folder, run.program), WaitOutcome::kExited);
+    EXPECT_EQ(Answered(folder), run.file ? Names{run.file} : Names{});
+    if (run.file) {
+      EXPECT_EQ(ReadFileBytes(folder / run.file), run.bytes);
+    }
   }
-  EXPECT_EQ(seen, "7\r\n1\r\n7\r\n2\r\n");
+  auto journal = install.Journal();
+  ASSERT_EQ(journal.size(), 8u);
+  EXPECT_EQ(journal[3].program, L"TavrinEClsClient.exe");
   std::vector<std::optional<std::size_t>> answers;
-  for (const EngineRun& run : install.Journal()) answers.push_back(run.answer);
-  EXPECT_EQ(answers, (std::vector<std::optional<std::size_t>>{std::nullopt, 0, 0, std::nullopt, 0, 1}));
+  for (const EngineRun& run : journal) answers.push_back(run.answer);
+  EXPECT_EQ(answers, (std::vector<std::optional<std::size_t>>{std::nullopt, 0, 0, 1, std::nullopt, 2, 2, 0}));
 }
 
 TEST(EngineRefResults, FilesHoldExactlyTheScriptedBytes) {
@@ -138,20 +138,12 @@ TEST(EngineRefJournal, RecordsRequestParametersAndFoldersExactly) {
   EXPECT_EQ(run.mpc_ini, "[MPC]\r\nHostCount=2\r\n");
   EXPECT_EQ(run.input_delete, std::nullopt);
   EXPECT_EQ(run.note, L"");
-}
 
-TEST(EngineRefJournal, AliasNamesShareTheQueue) {
-  EngineInstall install({.aliases = {L"TavrinEClsClient.exe"}});
-  install.SetScenario(EngineScenario().On(114).Output(-416).Then().Output(0));
-
-  fs::path first = MakeExchange(install, "1"), second = MakeExchange(install, "2");
-  ASSERT_EQ(RunToEnd(install, 114, first, L"TavrinEClsClient.exe"), WaitOutcome::kExited);
-  ASSERT_EQ(RunToEnd(install, 114, second), WaitOutcome::kExited);
-  EXPECT_EQ(ReadFileBytes(second / "DLLOutput.txt"), "0\r\n");
-  auto journal = install.Journal();
-  ASSERT_EQ(journal.size(), 2u);
-  EXPECT_EQ(journal[0].program, L"TavrinEClsClient.exe");
-  EXPECT_EQ(journal[1].program, L"TavrinEClient.exe");
+  // A folder that is not there is journaled without a request, and not made.
+  const fs::path missing = install.path() / "Temp" / "never made";
+  ASSERT_EQ(RunToEnd(install, 115, missing), WaitOutcome::kExited);
+  EXPECT_FALSE(fs::exists(missing));
+  EXPECT_EQ(install.Journal().back().request, std::nullopt);
 }
 
 TEST(EngineRefJournal, ParameterTextIsParsedUpToTheLastBracket) {
@@ -198,17 +190,6 @@ TEST(EngineRefJournal, BrokenScenarioIsReportedNotPlayed) {
   ASSERT_EQ(journal.size(), 2u);
   EXPECT_NE(journal[0].note.find(L"line 3"), std::wstring::npos) << journal[0].note;
   EXPECT_NE(journal[1].note.find(L"missing.txt"), std::wstring::npos) << journal[1].note;
-}
-
-TEST(EngineRefLifetime, MissingExchangeFolderStaysMissing) {
-  EngineInstall install;
-  install.SetScenario(EngineScenario().On(115).Output(0));
-  fs::path folder = install.path() / "Temp" / "never made";
-  ASSERT_EQ(RunToEnd(install, 115, folder), WaitOutcome::kExited);
-  EXPECT_FALSE(fs::exists(folder));
-  auto journal = install.Journal();
-  ASSERT_EQ(journal.size(), 1u);
-  EXPECT_EQ(journal[0].request, std::nullopt);
 }
 
 TEST(EngineRefLifetime, CrashesLeaveNoResultOrHalfAFile) {
