@@ -41,11 +41,7 @@ class EngineFaults : public HardeningSession {
     std::wstring folder;
     return operations::clsAPI_Interface().API_GETVERSIONS(L"C:\\a.txt", folder);
   }
-  long long Delete() {
-    fs::path list = install_.path() / "to delete.txt";
-    WriteFileBytes(list, "C:\\a.txt\r\n");
-    return operations::clsAPI_Interface().API_DELETE_REMOTE_FILE(platform::FromFsPath(list));
-  }
+  long long Delete() { return operations::clsAPI_Interface().API_DELETE_REMOTE_FILE(DeleteList()); }
   long long Init() { return browsing::TavrinEenum().TavrinEInit(); }
   fs::path UserListing() const { return platform::ToFsPath(UserFolder()) / "Backupfile.txt"; }
   void WriteUserListing() const { WriteFileBytes(UserListing(), std::string(kListing, sizeof kListing - 1)); }

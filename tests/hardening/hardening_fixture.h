@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/clock.h"
+#include "platform/path.h"
 #include "platform/services.h"
 #include "session_fixture.h"
 #include "support/install_folder.h"
@@ -37,6 +38,12 @@ class HardeningSession : public SessionTest {
     std::error_code ignored;
     std::filesystem::remove(install_.path() / "engine-journal.txt", ignored);
     install_.SetScenario(scenario);
+  }
+  // A list of one remote item to delete, as the shell side writes it.
+  std::wstring DeleteList() const {
+    const std::filesystem::path list = install_.path() / "to delete.txt";
+    WriteFileBytes(list, "C:\\a.txt\r\n");
+    return platform::FromFsPath(list);
   }
   // Trace log bytes written since the last call.
   std::string NewTrace() {

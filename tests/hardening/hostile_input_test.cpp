@@ -128,8 +128,6 @@ TEST_F(Hostile, AWorkRootThatCannotHoldFoldersStartsNothing) {
   install_.WriteFile(L"UserName.ini",
                      "[Registry]\r\nVirtualPath=" + platform::WideToUtf8(platform::FromFsPath(blocker / "")) + "\r\n");
   Script(EngineScenario().On(114).Output(402).On(116).Output(402).On(5).Output(404).On(113).Output(402).On(6).Output(402));
-  fs::path list = install_.path() / "to delete.txt";
-  WriteFileBytes(list, "C:\\a.txt\r\n");
   fs::path cwd = fs::current_path();
   bool request_in_cwd_before = fs::exists(cwd / "DLLInput.txt");
 
@@ -140,7 +138,7 @@ TEST_F(Hostile, AWorkRootThatCannotHoldFoldersStartsNothing) {
   EXPECT_EQ(api.API_UPDATE_RAND_NUM(), -1);
   std::wstring folder;
   EXPECT_EQ(api.API_GETVERSIONS(L"C:\\a.txt", folder), -1);
-  EXPECT_EQ(api.API_DELETE_REMOTE_FILE(platform::FromFsPath(list)), -1);
+  EXPECT_EQ(api.API_DELETE_REMOTE_FILE(DeleteList()), -1);
   EXPECT_TRUE(install_.Journal().empty());
   EXPECT_EQ(fs::exists(cwd / "DLLInput.txt"), request_in_cwd_before);
   EXPECT_FALSE(fs::exists(install_.path() / "DLLInput.txt"));

@@ -58,9 +58,7 @@ TEST_F(Secrets, NoFileOrMessageOfAWholeSessionHoldsThePasswordOrKey) {
   api.API_REMOTE(CallerFolder(L"list"));
   double max_size = 0, used = 0;
   api.API_GetQuota(max_size, used);
-  fs::path list = install_.path() / "to delete.txt";
-  WriteFileBytes(list, "C:\\a.txt\r\n");
-  api.API_DELETE_REMOTE_FILE(platform::FromFsPath(list));
+  api.API_DELETE_REMOTE_FILE(DeleteList());
   std::wstring folder;
   api.API_GETVERSIONS(L"C:\\a.txt", folder);
   ASSERT_GE(install_.Journal().size(), 6u) << "the story did not reach the engine";
