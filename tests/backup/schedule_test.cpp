@@ -46,12 +46,11 @@ TEST_F(ScheduleControl, ProfileValuesPerMethod) {
   EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
   EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
   EXPECT_EQ(Profile(L"CLASSIC_SESSION"), L"FALSE");
-}
 
-TEST_F(ScheduleControl, AnotherUsersValuesAreTheirsAlone) {
-  EXPECT_EQ(CBackup().DisableScheduleBackup(L"bob"), 1);
+  // Another user's values are theirs alone.
+  EXPECT_EQ(backup.DisableScheduleBackup(L"bob"), 1);
   EXPECT_EQ(profile::ProfileStore::ForCurrentInstallation().GetForUser(L"bob", L"UPLOAD"), L"TRUE");
-  EXPECT_EQ(Profile(L"UPLOAD"), L"");
+  EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
 }
 
 TEST_F(ScheduleControl, UnsafeUserNamesTouchNothing) {
