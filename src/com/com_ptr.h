@@ -12,6 +12,22 @@
 
 namespace tavrine::com {
 
+// COM for this thread for a scope (single-threaded apartment); a thread that
+// has COM already keeps it, and only a successful start is undone.
+class ComApartment {
+ public:
+  ComApartment() noexcept : hr_(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
+  ~ComApartment() {
+    if (SUCCEEDED(hr_)) CoUninitialize();
+  }
+  ComApartment(const ComApartment&) = delete;
+  ComApartment& operator=(const ComApartment&) = delete;
+  bool ok() const noexcept { return SUCCEEDED(hr_); }
+
+ private:
+  HRESULT hr_;
+};
+
 // An interface pointer that releases on destruction. put() hands out the
 // address for an out-parameter after dropping what was held.
 template <class T>

@@ -33,6 +33,10 @@ std::wstring ProxyMessageText(ProxyMessage message) {
   return L"";
 }
 
+ProfileReader CurrentProfileReader() {
+  return [](const std::wstring& name) { return profile::GetUserProfile(name); };
+}
+
 ProfileWriter CurrentProfileWriter() {
   return [](const std::wstring& name, const std::wstring& value) {
     profile::UpdateUserProfile(name, value);

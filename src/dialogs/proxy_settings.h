@@ -31,8 +31,12 @@ class ProxyView {
   virtual void CloseDialog() = 0;
 };
 
-// Where the proxy values go: by default the current user's profile.
+// Where the proxy values come from and go: by default the current user's
+// profile; from the login dialog, the login procedure's (the account being
+// entered may have no profile yet).
+using ProfileReader = std::function<std::wstring(const std::wstring& name)>;
 using ProfileWriter = std::function<void(const std::wstring& name, const std::wstring& value)>;
+ProfileReader CurrentProfileReader();
 ProfileWriter CurrentProfileWriter();
 
 // Host and port of a system ProxyServer text ("host:port",

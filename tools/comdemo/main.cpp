@@ -6,25 +6,11 @@
 
 #include <string>
 
+#include "com/com_ptr.h"
 #include "com_story.h"
 #include "console.h"
 
 namespace {
-
-// COM for this thread, for as long as main runs.
-class ComApartment {
- public:
-  ComApartment() : hr_(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
-  ~ComApartment() {
-    if (SUCCEEDED(hr_)) CoUninitialize();
-  }
-  ComApartment(const ComApartment&) = delete;
-  ComApartment& operator=(const ComApartment&) = delete;
-  bool ok() const { return SUCCEEDED(hr_); }
-
- private:
-  HRESULT hr_;
-};
 
 int Usage() {
   tavrine::comdemo::Say(L"usage: tavrine-com-demo story WORK-FOLDER VAULT-FOLDER\n"
@@ -37,7 +23,7 @@ int Usage() {
 int wmain(int argc, wchar_t** argv) {
   if (argc < 3) return Usage();
   const std::wstring command = argv[1];
-  ComApartment apartment;
+  tavrine::com::ComApartment apartment;  // for as long as main runs
   if (!apartment.ok()) {
     tavrine::comdemo::Say(L"CoInitializeEx failed");
     return 2;

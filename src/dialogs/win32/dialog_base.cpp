@@ -3,6 +3,8 @@
 #include <commctrl.h>
 #include <shellapi.h>
 
+#include <algorithm>
+
 #include "dialogs/win32/resource.h"
 #include "foundation/file_system.h"
 #include "foundation/trace_log.h"
@@ -29,11 +31,24 @@ HANDLE DialogsActivationContext() {
 }
 
 UniqueBitmap LoadImageFile(const std::wstring& name) {
-  std::wstring file = foundation::JoinPath(foundation::JoinPath(platform::ModuleFolder(), L"images"),
-                                           name + L".bmp");
+  std::wstring file = ImageFile(name + L".bmp");
   if (!foundation::FileExists(file)) return UniqueBitmap();
   return UniqueBitmap(static_cast<HBITMAP>(
       LoadImageW(nullptr, file.c_str(), IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE)));
+}
+
+UniqueIcon LoadIconFile(const std::wstring& name) {
+  std::wstring file = ImageFile(name);
+  if (!foundation::FileExists(file)) return UniqueIcon();
+  return UniqueIcon(
+      static_cast<HICON>(LoadImageW(nullptr, file.c_str(), IMAGE_ICON, 0, 0, LR_LOADFROMFILE)));
+}
+
+// Labels, check boxes and option buttons; edits and lists keep their own colours.
+bool SeesThrough(HWND control) {
+  wchar_t name[16] = {};
+  GetClassNameW(control, name, 16);
+  return lstrcmpiW(name, L"Static") == 0 || lstrcmpiW(name, L"Button") == 0;
 }
 
 }  // namespace
@@ -157,6 +172,7 @@ INT_PTR DialogBase::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_INITDIALOG:
     {
       tips_.Create(hwnd_);
+      link_cursor_ = LoadIconFile(L"Hand.ico");
       int focus = OnInit();
       ApplyRoundedRegion();
       if (focus == 0) return TRUE;
@@ -166,30 +182,43 @@ INT_PTR DialogBase::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
     case WM_COMMAND:
       OnCommand(LOWORD(wparam), HIWORD(wparam));
       return TRUE;
-    case WM_CTLCOLORSTATIC: {
-      int id = GetDlgCtrlID(reinterpret_cast<HWND>(lparam));
-      for (int link : links_) {
-        if (link != id) continue;
-        HDC dc = reinterpret_cast<HDC>(wparam);
-        SetTextColor(dc, kLinkColor);
-        SetBkMode(dc, TRANSPARENT);
-        return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_3DFACE));
-      }
-      return FALSE;
+    case WM_ERASEBKGND: {
+      if (!background_) return FALSE;
+      RECT client{};
+      GetClientRect(hwnd_, &client);
+      background_.Draw(reinterpret_cast<HDC>(wparam), client);
+      SetWindowLongPtrW(hwnd_, DWLP_MSGRESULT, TRUE);
+      return TRUE;
     }
+    case WM_CTLCOLORSTATIC:
+      return StaticColors(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam));
     case WM_SETCURSOR: {
-      int id = GetDlgCtrlID(reinterpret_cast<HWND>(wparam));
-      for (int link : links_) {
-        if (link != id) continue;
-        SetCursor(LoadCursorW(nullptr, IDC_HAND));
-        SetWindowLongPtrW(hwnd_, DWLP_MSGRESULT, TRUE);
-        return TRUE;
-      }
-      return FALSE;
+      if (!IsLink(GetDlgCtrlID(reinterpret_cast<HWND>(wparam)))) return FALSE;
+      SetCursor(link_cursor_ ? static_cast<HCURSOR>(link_cursor_.get())
+                             : LoadCursorW(nullptr, IDC_HAND));
+      SetWindowLongPtrW(hwnd_, DWLP_MSGRESULT, TRUE);
+      return TRUE;
     }
     default:
       return FALSE;
   }
+}
+
+bool DialogBase::IsLink(int id) const {
+  return std::find(links_.begin(), links_.end(), id) != links_.end();
+}
+
+// Links are blue; over a background picture labels let it show through.
+INT_PTR DialogBase::StaticColors(HDC dc, HWND control) {
+  const bool link = IsLink(GetDlgCtrlID(control));
+  if (link) SetTextColor(dc, kLinkColor);
+  if (background_ && SeesThrough(control)) {
+    SetBkMode(dc, TRANSPARENT);
+    return reinterpret_cast<INT_PTR>(GetStockObject(NULL_BRUSH));
+  }
+  if (!link) return FALSE;
+  SetBkMode(dc, TRANSPARENT);
+  return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_3DFACE));
 }
 
 void DialogBase::ApplyRoundedRegion() {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "dialogs/win32/picture.h"
 #include "dialogs/win32/tooltip.h"
 #include "dialogs/win32/win32_handles.h"
 
@@ -67,6 +68,9 @@ class DialogBase {
   // Runs the dialog; EndDialog's value, or -1 when it could not be shown.
   INT_PTR ShowModal(HWND owner);
   HWND hwnd() const { return hwnd_; }
+  // Whether the picture files were found and read (else the dialog draws plainly).
+  bool HasBackgroundImage() const { return static_cast<bool>(background_); }
+  bool HasLinkCursorImage() const { return static_cast<bool>(link_cursor_); }
 
  protected:
   explicit DialogBase(int template_id) : template_id_(template_id) {}
@@ -90,15 +94,21 @@ class DialogBase {
 
   clsToolTip tips_;
   HoverButtons hover_;
+  // Drawn stretched under the controls when set.
+  Picture background_;
 
  private:
   static INT_PTR CALLBACK Proc(HWND, UINT, WPARAM, LPARAM);
   INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam);
   void ApplyRoundedRegion();
+  bool IsLink(int id) const;
+  // WM_CTLCOLORSTATIC: the brush, or FALSE for the default colours.
+  INT_PTR StaticColors(HDC dc, HWND control);
 
   int template_id_;
   HWND hwnd_ = nullptr;
   std::vector<int> links_;
+  UniqueIcon link_cursor_;  // images\Hand.ico; the system hand without it
 };
 
 // Opens an address with the shell; its result (above 32: opened).

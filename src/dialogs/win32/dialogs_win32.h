@@ -50,7 +50,8 @@ class EncryptionPsdDialog final : public DialogBase, private EncryptionPsdView {
 // Proxysetting.
 class ProxyDialog final : public DialogBase, private ProxyView {
  public:
-  ProxyDialog();
+  explicit ProxyDialog(ProfileReader reader = CurrentProfileReader(),
+                       ProfileWriter writer = CurrentProfileWriter());
   void Show(HWND owner);
 
  private:
@@ -74,6 +75,7 @@ class ProxyDialog final : public DialogBase, private ProxyView {
   void CloseDialog() override;
   static LRESULT CALLBACK PortFilter(HWND, UINT, WPARAM, LPARAM, UINT_PTR, DWORD_PTR);
 
+  ProfileReader reader_;
   std::unique_ptr<platform::Registry> registry_;
   std::optional<ProxyPresenter> presenter_;
 };
@@ -86,6 +88,7 @@ class LoginDialog final : public DialogBase, private LoginView {
   std::int16_t Show(HWND owner);
   const HoverButtons& hover_buttons() const { return hover_; }
   const clsToolTip& tooltips() const { return tips_; }
+  bool HasBannerImage() const { return static_cast<bool>(banner_); }
 
  private:
   int OnInit() override;
@@ -109,8 +112,12 @@ class LoginDialog final : public DialogBase, private LoginView {
   std::intptr_t OpenWebPage(const std::wstring& address) override;
   void CloseDialog() override;
 
+  void DrawBanner(const DRAWITEMSTRUCT& item);
+  void ShowProxySettings();
+
   std::wstring opened_user_;
   std::optional<LoginProcedure> procedure_;
+  Picture banner_;  // images\Login.gif
   bool busy_ = false;
 };
 

@@ -68,6 +68,8 @@ std::int16_t LoginDialog::Show(HWND owner) {
 
 int LoginDialog::OnInit() {
   const auto& settings = foundation::CurrentSettings();
+  background_ = Picture::Load(ImageFile(L"login_screen_bigger.gif"));
+  banner_ = Picture::Load(ImageFile(L"Login.gif"));
   SetWindowTextW(hwnd(), (settings.caption + L" - Login").c_str());
   for (const auto& caption : kLoginCaptions) SetText(caption.control, LoginCaption(caption.control));
   for (int link : {IDC_picNewUserReg, IDC_picForgotPassword, IDC_picUpgrade, IDC_picFirewall}) AddLink(link);
@@ -95,7 +97,35 @@ int LoginDialog::OnInit() {
   return opened_user_.empty() ? IDC_txtUserName : IDC_txtPassword;
 }
 
-std::optional<INT_PTR> LoginDialog::OnMessage(UINT, WPARAM, LPARAM) { return std::nullopt; }
+std::optional<INT_PTR> LoginDialog::OnMessage(UINT message, WPARAM wparam, LPARAM lparam) {
+  if (message != WM_DRAWITEM || wparam != IDC_picBanner) return std::nullopt;
+  DrawBanner(*reinterpret_cast<const DRAWITEMSTRUCT*>(lparam));
+  return TRUE;
+}
+
+void LoginDialog::DrawBanner(const DRAWITEMSTRUCT& item) {
+  if (banner_) {
+    banner_.Draw(item.hDC, item.rcItem);
+    return;
+  }
+  // Without the picture the product's caption stands in its place.
+  auto font = reinterpret_cast<HFONT>(SendMessageW(hwnd(), WM_GETFONT, 0, 0));
+  SelectScope select(item.hDC, font);
+  SetBkMode(item.hDC, TRANSPARENT);
+  RECT area = item.rcItem;
+  DrawTextW(item.hDC, foundation::CurrentSettings().caption.c_str(), -1, &area,
+            DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
+}
+
+// The values wait in the login procedure until the account has a profile.
+void LoginDialog::ShowProxySettings() {
+  LoginProcedure& login = *procedure_;
+  ProxyDialog([&login](const std::wstring& name) { return login.ProxyValue(name); },
+              [&login](const std::wstring& name, const std::wstring& value) {
+                login.SetProxyValue(name, value);
+              })
+      .Show(hwnd());
+}
 
 void LoginDialog::OnCommand(int id, int notification) {
   switch (id) {
@@ -113,7 +143,7 @@ void LoginDialog::OnCommand(int id, int notification) {
       End(0);
       return;
     case IDC_advanced:
-      ProxyDialog().Show(hwnd());
+      if (!busy_) ShowProxySettings();
       return;
     case IDC_picNewUserReg:
     case IDC_picForgotPassword:

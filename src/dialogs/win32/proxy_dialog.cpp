@@ -9,10 +9,11 @@
 
 namespace tavrine::dialogs::win32 {
 
-ProxyDialog::ProxyDialog()
+ProxyDialog::ProxyDialog(ProfileReader reader, ProfileWriter writer)
     : DialogBase(IDD_Proxysetting),
+      reader_(std::move(reader)),
       registry_(platform::OpenCurrentUserRegistry(profile::ProfileStoreFile())) {
-  presenter_.emplace(static_cast<ProxyView&>(*this), CurrentProfileWriter(), *registry_);
+  presenter_.emplace(static_cast<ProxyView&>(*this), std::move(writer), *registry_);
 }
 
 void ProxyDialog::Show(HWND owner) { ShowModal(owner); }
@@ -49,7 +50,7 @@ int ProxyDialog::OnInit() {
                     L"Enter the proxy server credentials to allow the Tavrin application to function smoothly"));
   AddLink(IDC_lblHelp);
 
-  auto value = [](const wchar_t* name) { return profile::GetUserProfile(name); };
+  auto value = [this](const wchar_t* name) { return reader_(name); };
   SetChecked(IDC_Proxyenabled, value(L"Proxyset") == L"1");
   const bool socks = value(L"proxytypesocks") == L"1";
   SetChecked(IDC_socksopt, socks);

@@ -28,6 +28,7 @@
 #define IDC_picForgotPassword 1014
 #define IDC_picUpgrade 1015
 #define IDC_picFirewall 1016
+#define IDC_picBanner 1017
 
 // frmEncKeyOption
 #define IDC_lblHeading 1101

@@ -5,27 +5,35 @@
 
 namespace tavrine::dialogs::win32 {
 
-// One owner per GDI object kind; DeleteObject on destruction.
-template <class T>
-class UniqueGdi {
+// How each kind of handle is given back.
+struct GdiObjectFree {
+  void operator()(HGDIOBJ object) const { DeleteObject(object); }
+};
+struct IconFree {
+  void operator()(HICON icon) const { DestroyIcon(icon); }
+};
+
+// One owner per handle kind; Free on destruction.
+template <class T, class Free>
+class UniqueObject {
  public:
-  UniqueGdi() = default;
-  explicit UniqueGdi(T object) : object_(object) {}
-  ~UniqueGdi() { Reset(); }
-  UniqueGdi(UniqueGdi&& other) noexcept : object_(other.Release()) {}
-  UniqueGdi& operator=(UniqueGdi&& other) noexcept {
+  UniqueObject() = default;
+  explicit UniqueObject(T object) : object_(object) {}
+  ~UniqueObject() { Reset(); }
+  UniqueObject(UniqueObject&& other) noexcept : object_(other.Release()) {}
+  UniqueObject& operator=(UniqueObject&& other) noexcept {
     if (this != &other) Reset(other.Release());
     return *this;
   }
-  UniqueGdi(const UniqueGdi&) = delete;
-  UniqueGdi& operator=(const UniqueGdi&) = delete;
+  UniqueObject(const UniqueObject&) = delete;
+  UniqueObject& operator=(const UniqueObject&) = delete;
 
   T get() const { return object_; }
   explicit operator bool() const { return object_ != nullptr; }
   // For calls that take ownership (SetWindowRgn on success).
   T Release() { return std::exchange(object_, nullptr); }
   void Reset(T object = nullptr) {
-    if (object_) DeleteObject(object_);
+    if (object_) Free()(object_);
     object_ = object;
   }
 
@@ -33,10 +41,13 @@ class UniqueGdi {
   T object_ = nullptr;
 };
 
+template <class T>
+using UniqueGdi = UniqueObject<T, GdiObjectFree>;
 using UniqueBitmap = UniqueGdi<HBITMAP>;
 using UniqueRegion = UniqueGdi<HRGN>;
 using UniqueFont = UniqueGdi<HFONT>;
 using UniqueBrush = UniqueGdi<HBRUSH>;
+using UniqueIcon = UniqueObject<HICON, IconFree>;
 
 // A window we created and must destroy (tooltips); harmless when the owner
 // has destroyed it already.

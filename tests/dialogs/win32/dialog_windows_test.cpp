@@ -9,6 +9,7 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -148,6 +149,53 @@ void WriteBmp(const fs::path& file, COLORREF color) {
   out << pixels;
 }
 
+// A GIF of one pixel in one colour, which a dialog stretches over its area.
+void WriteGif(const fs::path& file, COLORREF color) {
+  // clang-format off
+  const unsigned char bytes[] = {
+      'G', 'I', 'F', '8', '9', 'a', 1, 0, 1, 0,  // one by one pixel
+      0x80, 0, 0,                                 // a table of two colours follows
+      GetRValue(color), GetGValue(color), GetBValue(color), 0, 0, 0,
+      0x2C, 0, 0, 0, 0, 1, 0, 1, 0, 0,            // the image, no table of its own
+      2, 2, 0x44, 0x01, 0,                        // LZW: clear, colour 0, end
+      0x3B};
+  // clang-format on
+  std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(bytes), sizeof(bytes));
+}
+
+// A 16 by 16 icon of one colour, 32 bits a pixel, with an empty mask.
+void WriteIcon(const fs::path& file, COLORREF color) {
+  const int side = 16;
+  const DWORD mask_bytes = side * 4;  // rows of 16 bits padded to 32
+  BITMAPINFOHEADER info{sizeof(info), side, side * 2, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+  std::string image(reinterpret_cast<const char*>(&info), sizeof(info));
+  for (int i = 0; i < side * side; ++i) {
+    image += {static_cast<char>(GetBValue(color)), static_cast<char>(GetGValue(color)),
+              static_cast<char>(GetRValue(color)), static_cast<char>(0xFF)};
+  }
+  image.append(mask_bytes, '\0');
+  const WORD directory[] = {0, 1, 1};  // reserved, icon, one image
+  const BYTE entry_size[] = {side, side, 0, 0};
+  const WORD entry_bits[] = {1, 32};
+  const DWORD entry_place[] = {static_cast<DWORD>(image.size()), 6 + 16};
+  std::ofstream out(file, std::ios::binary);
+  out.write(reinterpret_cast<const char*>(directory), sizeof(directory));
+  out.write(reinterpret_cast<const char*>(entry_size), sizeof(entry_size));
+  out.write(reinterpret_cast<const char*>(entry_bits), sizeof(entry_bits));
+  out.write(reinterpret_cast<const char*>(entry_place), sizeof(entry_place));
+  out << image;
+}
+
+// The colour the screen shows at a point of the window's client area.
+COLORREF ClientPixel(HWND window, POINT point) {
+  RedrawWindow(window, nullptr, nullptr,
+               RDW_ERASE | RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+  Sleep(300);
+  ClientToScreen(window, &point);
+  WindowDc screen(nullptr);
+  return GetPixel(screen.get(), point.x, point.y);
+}
+
 // An engine install in `language`, the language files beside it and a clean profile.
 class WindowsTest : public ::testing::Test {
  protected:
@@ -172,20 +220,24 @@ class DialogWindows : public WindowsTest, public ::testing::WithParamInterface<c
   std::wstring Suffix() const { return German() ? L"_de" : L"_en"; }
 };
 
-TEST_P(DialogWindows, LoginDialogChecksInputThenLogsIn) {
+// A first login behind a proxy: the proxy is set through Advanced before the
+// account has a profile, and the login carries it and saves it.
+TEST_P(DialogWindows, LoginDialogChecksInputThenLogsInThroughTheProxySetBeforehand) {
   install_.SetScenario(
       EngineScenario().On(110).Output(901).On(116).Output(402).On(111).Output(403));
   LoginDialog dialog;
   std::wstring password_box, label, title;
   int tooltip_count = -1, region = ERROR;
-  bool shot = false, plain_buttons = false;
+  bool shot = false, plain = false, proxy_closed = false;
   Driver driver([&] {
     HWND window = WaitForWindow(std::wstring(kCaption) + L" - Login");
     if (!window) return;
     title = WindowText(window);
     label = Read(window, IDC_lblUserName);
     tooltip_count = dialog.tooltips().ToolTipCount();
-    plain_buttons = !dialog.hover_buttons().HasImages(GetDlgItem(window, IDC_Login));
+    plain = !dialog.hover_buttons().HasImages(GetDlgItem(window, IDC_Login)) &&
+            !dialog.HasBackgroundImage() && !dialog.HasBannerImage() &&
+            !dialog.HasLinkCursorImage();
     HRGN probe = CreateRectRgn(0, 0, 0, 0);
     region = GetWindowRgn(window, probe);
     DeleteObject(probe);
@@ -193,6 +245,18 @@ TEST_P(DialogWindows, LoginDialogChecksInputThenLogsIn) {
     Type(window, IDC_txtPassword, L"");
     Type(window, IDC_schipaddress, L"localhost");
     shot = Screenshot(window, L"login" + Suffix());
+
+    Click(window, IDC_advanced);
+    HWND proxy = WaitForWindow(German() ? L"Proxy-Einstellungen" : L"Proxy Settings");
+    if (!proxy) return;
+    SendMessageW(GetDlgItem(proxy, IDC_Proxyenabled), BM_SETCHECK, BST_CHECKED, 0);
+    Type(proxy, IDC_IPText, L"proxy.example");
+    Type(proxy, IDC_ProxyPort, L"3128");
+    Click(proxy, IDC_Ok);
+    Click(proxy, IDC_Cancel);
+    for (int i = 0; i < 250 && IsWindow(proxy); ++i) Sleep(20);
+    proxy_closed = !IsWindow(proxy);
+
     Click(window, IDC_Login);
     password_box = DismissBox();
     Type(window, IDC_txtPassword, L"pw");
@@ -205,9 +269,16 @@ TEST_P(DialogWindows, LoginDialogChecksInputThenLogsIn) {
   EXPECT_EQ(password_box, German() ? L"Geben Sie Ihr Kennwort ein." : L"Enter your password.");
   EXPECT_EQ(tooltip_count, 2);
   EXPECT_NE(region, ERROR);
-  EXPECT_TRUE(plain_buttons);
+  EXPECT_TRUE(plain);
   EXPECT_TRUE(shot);
+  EXPECT_TRUE(proxy_closed);
   EXPECT_EQ(profile::CurrentUserName(), L"alice");
+  const auto runs = install_.Journal();
+  ASSERT_EQ(runs.size(), 3u);
+  EXPECT_EQ(testing::RequestLine(runs[1], 9), L"proxy.example");
+  EXPECT_EQ(testing::RequestLine(runs[1], 10), L"3128");
+  EXPECT_EQ(profile::GetUserProfile(L"ProxyName"), L"proxy.example");
+  EXPECT_EQ(profile::GetUserProfile(L"Proxyset"), L"1");
 }
 
 TEST_P(DialogWindows, EncKeyOptionRefusesAShortKeyThenTakesTheDefault) {
@@ -320,6 +391,54 @@ TEST_F(LoginCommand, ClosingTheLoginWindowByItsTitleCancelsTheLogin) {
   std::int32_t owner = 0;
   EXPECT_EQ(operations::UICommands().UI_Login_Command(owner), -32766);
   EXPECT_TRUE(driver.done());
+}
+
+// Readable pictures are drawn; unreadable ones leave the dialog plain.
+TEST_F(LoginCommand, PicturesDrawTheLoginDialogAndBrokenOnesLeaveItPlain) {
+  const COLORREF kBackground = RGB(10, 120, 200), kBanner = RGB(200, 40, 40);
+  const struct {
+    bool readable;
+    const wchar_t* screenshot;
+  } rows[] = {{true, L"login_pictures_en"}, {false, nullptr}};
+  const fs::path images = install_.path() / "images";
+  fs::create_directories(images);
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.readable);
+    if (row.readable) {
+      WriteGif(images / "login_screen_bigger.gif", kBackground);
+      WriteGif(images / "Login.gif", kBanner);
+      WriteIcon(images / "Hand.ico", RGB(0, 0, 0));
+    } else {
+      for (const char* name : {"login_screen_bigger.gif", "Login.gif", "Hand.ico"}) {
+        std::ofstream(images / name, std::ios::binary) << "GIF89a but nothing after it";
+      }
+    }
+    LoginDialog dialog;
+    bool background = !row.readable, banner = !row.readable, cursor = !row.readable;
+    COLORREF corner = CLR_INVALID, top = CLR_INVALID;
+    Driver driver([&] {
+      HWND window = WaitForWindow(L"TavrinE Online Backup - Login");
+      if (!window) return;
+      background = dialog.HasBackgroundImage();
+      banner = dialog.HasBannerImage();
+      cursor = dialog.HasLinkCursorImage();
+      RECT client{}, strip{};
+      GetClientRect(window, &client);
+      GetWindowRect(GetDlgItem(window, IDC_picBanner), &strip);
+      MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&strip), 2);
+      corner = ClientPixel(window, {client.right - 4, client.bottom - 4});
+      top = ClientPixel(window, {(strip.left + strip.right) / 2, (strip.top + strip.bottom) / 2});
+      if (row.screenshot) Screenshot(window, row.screenshot);
+      Click(window, IDC_Cancel);
+    });
+    dialog.Show(nullptr);
+    EXPECT_TRUE(driver.done());
+    EXPECT_EQ(background, row.readable);
+    EXPECT_EQ(banner, row.readable);
+    EXPECT_EQ(cursor, row.readable);
+    EXPECT_EQ(corner == kBackground, row.readable) << std::hex << corner;
+    EXPECT_EQ(top == kBanner, row.readable) << std::hex << top;
+  }
 }
 
 TEST_F(LoginCommand, HoverImagesFollowTheMouse) {

@@ -1,0 +1,31 @@
+#pragma once
+#include <windows.h>
+#include <ocidl.h>
+#include <olectl.h>
+
+#include <string>
+
+#include "com/com_ptr.h"
+
+namespace tavrine::dialogs::win32 {
+
+// A picture file (GIF, JPEG, BMP, ICO, WMF) read through OLE, the reader
+// every Windows has. Empty when the file is missing or is no picture: the
+// dialog then draws plainly.
+class Picture {
+ public:
+  Picture() = default;
+  static Picture Load(const std::wstring& file);
+
+  explicit operator bool() const { return static_cast<bool>(picture_); }
+  // Stretched over `target`.
+  void Draw(HDC dc, const RECT& target) const;
+
+ private:
+  com::ComPtr<IPicture> picture_;
+};
+
+// <application folder>\images\<file name>.
+std::wstring ImageFile(const std::wstring& file_name);
+
+}  // namespace tavrine::dialogs::win32
