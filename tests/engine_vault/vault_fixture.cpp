@@ -25,6 +25,7 @@ VaultAnswer ReadAnswer(engine::clsClient& client, const fs::path& folder) {
   client.ReadDLLOutputFileTempFd(text, answer.has_output, description, value);
   answer.code = static_cast<long long>(value);
   answer.output1 = ReadFileBytes(folder / "DLLOutput1.txt");
+  answer.folder = folder;
   return answer;
 }
 

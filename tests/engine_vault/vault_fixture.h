@@ -14,6 +14,7 @@ struct VaultAnswer {
   bool has_output = false;  // DLLOutput.txt was read (else DLLOutputInfo.txt or nothing)
   long long code = 0;
   std::string output1;  // DLLOutput1.txt bytes, "" when absent
+  std::filesystem::path folder;  // the exchange folder
 };
 
 // The reference engine in vault mode: an install folder with the sample vault
