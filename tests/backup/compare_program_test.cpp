@@ -30,12 +30,6 @@ class CompareProgram : public ::testing::Test {
   fs::path Exchange() const { return home_.path() / "exchange"; }
   fs::path Local() const { return home_.path() / "local data"; }
   std::wstring Text(const fs::path& p) const { return platform::FromFsPath(p); }
-  // The remote form: the local path with backslashes.
-  std::wstring Remote(const fs::path& p) const {
-    std::wstring text = Text(p);
-    std::replace(text.begin(), text.end(), L'/', L'\\');
-    return text;
-  }
   void MakeFile(const fs::path& p, const std::string& bytes) const {
     WriteFileBytes(p, bytes);
     fs::last_write_time(p, std::chrono::file_clock::from_sys(kListedTime));
@@ -76,7 +70,7 @@ TEST_F(CompareProgram, NewAndChangedFilesAreToBeBackedUp) {
   MakeFile(file, "hello");
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    std::wstring path = Remote(file);
+    std::wstring path = RemoteForm(file);
     if (c.upper_case) std::transform(path.begin(), path.end(), path.begin(), ::towupper);
     std::wstring listing =
         c.listed_size.empty() ? L"" : path + L"/2/" + c.listed_size + L"/" + c.listed_date + L"/U\r\n";
@@ -92,7 +86,7 @@ TEST_F(CompareProgram, NewAndChangedFilesAreToBeBackedUp) {
 TEST_F(CompareProgram, FoldersAreWalkedAndMissingItemsAreNotBackedUp) {
   MakeFile(Local() / "docs" / "kept.txt", "hello");
   MakeFile(Local() / "docs" / "sub" / "new.txt", "x");
-  std::wstring listing = Remote(Local() / "docs" / "kept.txt") + L"/1/5/" +
+  std::wstring listing = RemoteForm(Local() / "docs" / "kept.txt") + L"/1/5/" +
                          std::wstring(kListedDate, kListedDate + 19) + L"/1/U\r\n";
   std::wstring request = Text(Local() / "docs") + L"\r\n1\r\n" + Text(Local() / "gone.txt") +
                          L"\r\n0\r\n" + Text(Local() / "gone dir") + L"\r\n1\r\n";

@@ -34,12 +34,6 @@ std::wstring Lower(std::wstring text) {
   return text;
 }
 
-std::wstring RemoteFormOf(const fs::path& local) {
-  std::wstring text = platform::FromFsPath(local);
-  std::replace(text.begin(), text.end(), L'/', L'\\');
-  return text;
-}
-
 using Vault = VaultTest;
 
 // One request per row from the account the row logs in: the service's code
@@ -273,12 +267,12 @@ class VaultUpload : public VaultTest {
   }
   std::string Versions() {
     std::string text;
-    AskVersions(RemoteFormOf(local_), &text);
+    AskVersions(RemoteForm(local_), &text);
     return text;
   }
   std::string RestoredBytes() {
     TempFolder destination;
-    Restore(destination.path(), RemoteFormOf(local_));
+    Restore(destination.path(), RemoteForm(local_));
     return ReadFileBytes(destination.path() / local_.filename());
   }
   TempFolder local_folder_;
@@ -296,7 +290,7 @@ TEST_F(VaultUpload, EachUploadAddsAVersionTheListingAndRestoreSee) {
   // Stored under the names already there, which may differ in case.
   fs::path folder = Exchange("H_list");
   Ask(115, folder);
-  const std::wstring line = RemoteFormOf(local_) + L"/2/14/";
+  const std::wstring line = RemoteForm(local_) + L"/2/14/";
   const std::wstring listing = Utf16LeText(ReadFileBytes(folder / "Backupfile.txt"));
   EXPECT_NE(Lower(listing).find(Lower(line)), std::wstring::npos);
 }

@@ -1,5 +1,6 @@
 #include "support/temp_folder.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <fstream>
@@ -64,6 +65,12 @@ void WriteFileBytes(const std::filesystem::path& file, const std::string& bytes)
   std::filesystem::create_directories(file.parent_path(), ignored);
   std::ofstream out(file, std::ios::binary | std::ios::trunc);
   out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+std::wstring RemoteForm(const std::filesystem::path& local) {
+  std::wstring text = platform::FromFsPath(local);
+  std::replace(text.begin(), text.end(), L'/', L'\\');
+  return text;
 }
 
 std::string Utf16LeFile(const std::wstring& text) {

@@ -29,6 +29,9 @@ std::filesystem::path TestProgramFolder();
 std::string ReadFileBytes(const std::filesystem::path& file);
 void WriteFileBytes(const std::filesystem::path& file, const std::string& bytes);
 
+// A local path as the service lists it: with backslashes.
+std::wstring RemoteForm(const std::filesystem::path& local);
+
 // UTF-16LE with BOM and CRLF line ends, as the request files are written.
 std::string Utf16LeFile(const std::wstring& text_with_crlf);
 // The text of UTF-16LE bytes, a leading BOM dropped (BMP characters only).
