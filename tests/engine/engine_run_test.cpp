@@ -94,15 +94,17 @@ TEST(EngineWaits, SlicesPausesAndMessagesPerFlavour) {
     std::size_t pauses;  // of 100 ms, nothing else
     int pumps;
   };
+  using platform::RunningProcess;
+  constexpr auto plain = [](RunningProcess* p) { return WaitPlain(p); };
+  constexpr auto pausing = [](RunningProcess* p) { return WaitPausing(p, 100); };
+  constexpr auto pumping = [](RunningProcess* p) { return WaitPumping(p, 100); };
   const Case cases[] = {
-      {"plain", [](platform::RunningProcess* p) { return WaitPlain(p); }, 3, RunEnd::kExited, 4, 0, 0},
-      {"pausing", [](platform::RunningProcess* p) { return WaitPausing(p, 100); }, 3, RunEnd::kExited, 4, 3, 0},
-      {"pumping", [](platform::RunningProcess* p) { return WaitPumping(p, 100); }, 3, RunEnd::kExited, 4, 3, 3},
-      {"pumping, ends at once", [](platform::RunningProcess* p) { return WaitPumping(p, 100); }, 0,
-       RunEnd::kExited, 1, 0, 0},
+      {"plain", plain, 3, RunEnd::kExited, 4, 0, 0},
+      {"pausing", pausing, 3, RunEnd::kExited, 4, 3, 0},
+      {"pumping", pumping, 3, RunEnd::kExited, 4, 3, 3},
+      {"pumping, ends at once", pumping, 0, RunEnd::kExited, 1, 0, 0},
       // The pauses alone reach the 1 s limit on the fake clock.
-      {"pumping, never ends", [](platform::RunningProcess* p) { return WaitPumping(p, 100); }, -1,
-       RunEnd::kTimedOut, 10, 10, 10},
+      {"pumping, never ends", pumping, -1, RunEnd::kTimedOut, 10, 10, 10},
   };
   for (const Case& c : cases) {
     testing::FakeClock clock;
