@@ -171,9 +171,7 @@ TEST_F(Hostile, AResultFileThatAppearsLateIsStillRead) {
   Script(EngineScenario().On(115).Exit(0));
   std::wstring folder = CallerFolder(L"late");
   LateAnswerClock clock(platform::ToFsPath(folder));
-  platform::Services seams;
-  seams.clock = &clock;
-  platform::ScopedServices late(seams);
+  platform::ScopedServices late({.clock = &clock, .module_folder = {}});
   EXPECT_EQ(operations::clsAPI_Interface().API_REMOTE(folder), 402);
 }
 

@@ -22,17 +22,6 @@
 namespace tavrine::testing {
 namespace {
 
-// An installation of its own: on Windows the profile of an installation is
-// one registry key, shared by every thread of the process.
-EngineInstallOptions Options(const std::wstring& installation) {
-  EngineInstallOptions options;
-  options.configuration_ini =
-      "[ProductInfo]\r\nProductNumber=7\r\nProductName=TavrinE\r\n"
-      "ProductInstallationName=" + platform::WideToUtf8(installation) + "\r\nExeGroup=TavrinE\r\n"
-      "[ConnectionInfo]\r\nDomainName=localhost\r\nEngineTimeoutSeconds=20\r\n";
-  return options;
-}
-
 // One thread's session: its user, its listing of `files` entries in folder
 // C:\<user>\, walked `rounds` times while the other thread does the same.
 struct Walker {
@@ -42,13 +31,13 @@ struct Walker {
 
   void Run(std::barrier<>& together, int rounds) {
     const std::wstring installation = L"TavrinETest" + user;
-    EngineInstall install(Options(installation));
+    // An installation of its own: on Windows the profile of an installation
+    // is one registry key, shared by every thread of the process.
+    EngineInstall install({.configuration_ini = StandardConfiguration(
+        "EngineTimeoutSeconds=20\r\n", "English", platform::WideToUtf8(installation))});
     FakeClock clock;
     RecordingUi ui;
-    platform::Services seams;
-    seams.clock = &clock;
-    seams.ui = &ui;
-    platform::ScopedServices scoped(seams);
+    platform::ScopedServices scoped({.clock = &clock, .ui = &ui, .module_folder = {}});
     foundation::CurrentSettings() = foundation::Settings{};
     profile::SetCurrentUserName(user);
     profile::UpdateUserProfile(L"username", user);

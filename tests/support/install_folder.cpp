@@ -5,9 +5,10 @@
 
 namespace tavrine::testing {
 
-std::string StandardConfiguration(const std::string& more, const std::string& language) {
+std::string StandardConfiguration(const std::string& more, const std::string& language,
+                                  const std::string& installation) {
   return "[ProductInfo]\r\nProductNumber=7\r\nProductName=TavrinE\r\n"
-         "ProductInstallationName=TavrinETest\r\nProductTreeViewName=TavrinE Backup\r\n"
+         "ProductInstallationName=" + installation + "\r\nProductTreeViewName=TavrinE Backup\r\n"
          "Language=" + language +
          "\r\nProductCaption=TavrinE Online Backup\r\nExeGroup=TavrinE\r\n"
          "[ConnectionInfo]\r\nDomainName=localhost\r\nIPAddress1=127.0.0.1\r\nPort=443\r\n" +

@@ -9,10 +9,11 @@
 
 namespace tavrine::testing {
 
-// A complete Configuration.ini: product "TavrinE", installation "TavrinETest", ExeGroup
-// "TavrinE", server localhost:443; `more` ends its [ConnectionInfo] section.
+// A complete Configuration.ini: product "TavrinE", installation "TavrinETest" unless
+// named, ExeGroup "TavrinE", server localhost:443; `more` ends its [ConnectionInfo] section.
 std::string StandardConfiguration(const std::string& more = "",
-                                  const std::string& language = "English");
+                                  const std::string& language = "English",
+                                  const std::string& installation = "TavrinETest");
 
 // A throw-away library folder with fake clock and recorded message boxes,
 // installed as the current thread's seams for the life of the object.
