@@ -225,21 +225,17 @@ TEST_F(ClsClientTest, LoadProxySettingsCopiesTheCache) {
   EXPECT_EQ(ProxyArguments(settings, L"r").proxyserverpwd, L"0");
 }
 
-TEST_F(ClsClientTest, GeneratedRandomNumberIsFiveGroupsOfOneTo255AndStored) {
+// A request carries the profile's number, else the last one generated, else "Does not exist".
+TEST_F(ClsClientTest, RequestRandomIsTheProfilesOrTheStoredGeneratedNumber) {
+  profile::UpdateUserProfile(L"random", L"");
+  EXPECT_EQ(RandomNumberForRequest(client_), L"Does not exist");
   for (int round = 0; round < 20; ++round) {
-    std::wstring number = client_.GenerateRandomNumber();
+    std::wstring number = client_.GenerateRandomNumber();  // five groups of 1 to 255
     ASSERT_GE(number.size(), 5u);
     ASSERT_LE(number.size(), 15u);
     EXPECT_EQ(number.find_first_not_of(L"0123456789"), std::wstring::npos);
-    EXPECT_EQ(client_.GetMachineRandomNumber(), number);
+    EXPECT_EQ(RandomNumberForRequest(client_), number);
   }
-}
-
-TEST_F(ClsClientTest, RequestRandomFallsBackToStoredNumberThenToDoesNotExist) {
-  profile::UpdateUserProfile(L"random", L"");
-  EXPECT_EQ(RandomNumberForRequest(client_), L"Does not exist");
-  std::wstring stored = client_.GenerateRandomNumber();
-  EXPECT_EQ(RandomNumberForRequest(client_), stored);
   profile::UpdateUserProfile(L"random", L"12345");
   EXPECT_EQ(RandomNumberForRequest(client_), L"12345");
 }
