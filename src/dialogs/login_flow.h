@@ -84,7 +84,7 @@ inline constexpr std::uint32_t kLoginRetryPauseMs = 5000;
 // After this many wrong encryption passwords the login gives up.
 inline constexpr int kMaxEncryptionPasswordAsks = 5;
 inline constexpr std::int16_t kLoginCancelledCode = -32766;
-// Separates the user names of an e-mail address in the engine's answer.
+// Separates the user names of an e-mail address in its InteractiveLists value.
 inline constexpr wchar_t kAccountSeparator = L'|';
 
 // The login procedure behind frmLogin's Login button.
