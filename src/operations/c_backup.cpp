@@ -49,22 +49,18 @@ bool EndsWithSeparator(const std::wstring& path) {
   return !path.empty() && (path.back() == L'\\' || path.back() == platform::kPathSeparator);
 }
 
-// Two request lines per item: the path and "0" for a file; the path without
-// its trailing separator and "1" for a folder.
+// Two request lines per input line, blank ones included, so the compare
+// program sees the list line for line: the path and "0" for a file; the
+// path without its trailing separator and "1" for a folder.
 std::vector<std::wstring> CompareRequest(const std::vector<std::wstring>& items) {
   std::vector<std::wstring> lines;
+  lines.reserve(items.size() * 2);
   for (const std::wstring& item : items) {
-    if (item.empty()) continue;
-    if (!EndsWithSeparator(item)) {
+    if (EndsWithSeparator(item)) {
+      lines.insert(lines.end(), {item.substr(0, item.size() - 1), L"1"});
+    } else {
       lines.insert(lines.end(), {item, L"0"});
-      continue;
     }
-    std::wstring folder = item.substr(0, item.size() - 1);
-    if (folder.empty()) {
-      foundation::Trace(L"BackupInit :: input line '" + item + L"' names no folder; skipped");
-      continue;
-    }
-    lines.insert(lines.end(), {folder, L"1"});
   }
   return lines;
 }

@@ -28,8 +28,8 @@ TEST_F(CompareStep, EachInputLineBecomesTwoRequestLines) {
     std::string input_list;
   };
   const Case cases[] = {
-      {"ANSI", "C:\\Data\\\r\nC:\\Data\\a.txt\r\n\r\nD:\\\r\n"},
-      {"UTF-16", testing::Utf16LeFile(L"C:\\Data\\\r\nC:\\Data\\a.txt\r\n\r\nD:\\\r\n")},
+      {"ANSI", "C:\\Data\\\r\nC:\\Data\\a.txt\r\n\r\n\\\r\nD:\\\r\n"},
+      {"UTF-16", testing::Utf16LeFile(L"C:\\Data\\\r\nC:\\Data\\a.txt\r\n\r\n\\\r\nD:\\\r\n")},
   };
   install_.SetScenario(EmptyListing());
   testing::WriteCompareScenario(install_.path(), "result 0\n");
@@ -41,7 +41,7 @@ TEST_F(CompareStep, EachInputLineBecomesTwoRequestLines) {
     ASSERT_FALSE(runs.empty());
     EXPECT_EQ(runs.back().params, L"<" + folder_ + L"><1>");
     EXPECT_EQ(runs.back().request, testing::Utf16LeFile(L"C:\\Data\r\n1\r\nC:\\Data\\a.txt\r\n0\r\n"
-                                                        L"D:\r\n1\r\n"));
+                                                        L"\r\n0\r\n\r\n1\r\nD:\r\n1\r\n"));
   }
 }
 
