@@ -6,7 +6,6 @@
 #include "engine/engine_run.h"
 #include "engine/exchange_folder.h"
 #include "foundation/file_system.h"
-#include "foundation/language_text.h"
 #include "foundation/message_table.h"
 #include "foundation/settings.h"
 #include "foundation/text_file.h"
@@ -28,7 +27,6 @@ using foundation::FileExists;
 using foundation::JoinPath;
 
 constexpr int kDeleteAttempts = 4;
-constexpr int kConnectionFailureTextNumber = 683;
 constexpr const wchar_t* kFirewallFolderSuffix = L"_123456";
 // After the engine has ended, its result file may still be on its way.
 constexpr std::uint32_t kResultPollMs = 100;
@@ -47,11 +45,6 @@ bool IsDeleteRetryCode(std::int32_t code) {
 void ShowDeleteBox(const std::wstring& text, unsigned icon) {
   platform::CurrentUi().ShowMessageBox(text, CurrentSettings().failure_title,
                                        platform::kMbOk | icon);
-}
-
-std::wstring ConnectionFailureText() {
-  std::wstring text = foundation::Trim(foundation::LanguageText(kConnectionFailureTextNumber));
-  return text.empty() ? std::wstring(kConnectionFailureText) : text;
 }
 
 // The shell side's progress window. The UI seam can only close a window by

@@ -44,11 +44,13 @@ bool IsListingRetryCode(std::int32_t code) {
   return std::find(std::begin(kCodes), std::end(kCodes), code) != std::end(kCodes);
 }
 
+std::wstring ConnectionFailureText() {
+  std::wstring text = foundation::Trim(foundation::LanguageText(kConnectionFailureTextNumber));
+  return text.empty() ? std::wstring(kConnectionFailureText) : text;
+}
+
 void PresetConnectionFailureText() {
-  auto& settings = foundation::CurrentSettings();
-  settings.last_error_text =
-      foundation::Trim(foundation::LanguageText(kConnectionFailureTextNumber));
-  if (settings.last_error_text.empty()) settings.last_error_text = kConnectionFailureText;
+  foundation::CurrentSettings().last_error_text = ConnectionFailureText();
 }
 
 void ShowListingFailure(std::int32_t result) {

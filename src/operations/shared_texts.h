@@ -15,8 +15,9 @@ void PreloadFailureTexts();
 // The same from the message table (-416 and -403), falling back to the fixed texts.
 void PreloadFailureTextsFromMessageTable();
 
-// The localized connection-failure text (trimmed), or the fixed one when it is
-// empty, as the shared last-error text.
+// The localized connection-failure text (trimmed), or the fixed one when it is empty.
+std::wstring ConnectionFailureText();
+// The same as the shared last-error text.
 void PresetConnectionFailureText();
 
 // The codes after which the listing is fetched again.
