@@ -2,22 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "platform/code_page.h"
 
 namespace tavrine::profile {
 namespace {
 
 // The ANSI code page is Windows-1252 natively and under Wine's default locale.
-struct ShiftCase {
-  const wchar_t* plain;
-  const wchar_t* shifted;
-};
-
+// abc, "" and ~ (-> the euro sign, 128) are the request writer's test's.
 TEST(ShiftCharacters, RaisesEachAnsiCodeByTwoAndLeavesOutWhatCannotMove) {
-  const ShiftCase cases[] = {
-      {L"", L""},
-      {L"abc", L"cde"},
-      {L"~", L"\u20AC"},           // 126 -> 128, the euro sign in 1252
+  const std::pair<const wchar_t*, const wchar_t*> cases[] = {  // plain, shifted
       {L"}", L"\u007F"},           // 125 -> 127
       {L"\u20AC", L"\u201A"},      // 128 -> 130
       {L"\u00E9t\u00E9", L"\u00EBv\u00EB"},
@@ -26,31 +21,22 @@ TEST(ShiftCharacters, RaisesEachAnsiCodeByTwoAndLeavesOutWhatCannotMove) {
       {L"a\u0416b", L"cd"},        // Cyrillic has no code in 1252
       {L" 9", L"\";"},
   };
-  for (const ShiftCase& c : cases) {
-    EXPECT_EQ(ShiftCharacters(c.plain), c.shifted) << "plain: " << ::testing::PrintToString(c.plain);
+  for (const auto& [plain, shifted] : cases) {
+    EXPECT_EQ(ShiftCharacters(plain), shifted) << "plain: " << ::testing::PrintToString(plain);
   }
 }
 
-TEST(ShiftCharacters, UnshiftGivesBackEveryTextTheShiftCanCarry) {
+TEST(ShiftForStorage, RoundTripsEveryTextAndIsTheRequestShiftWhereThatCarriesIt) {
   std::wstring every_code;
   for (unsigned code = 0; code + 2 < 256; ++code) every_code += *platform::CharOfAnsiCode(code);
   for (const std::wstring& text : {std::wstring(L"P@ssw0rd!"), std::wstring(L"\u00C4rger~}"),
                                    every_code}) {
     EXPECT_EQ(UnshiftCharacters(ShiftCharacters(text)), text);
-    // The store's shift is the same wherever this one carries the text.
     EXPECT_EQ(ShiftForStorage(text), ShiftCharacters(text));
   }
-}
-
-TEST(ShiftForStorage, RoundTripsTextTheRequestShiftWouldMangle) {
-  const wchar_t* texts[] = {
-      L"\u00FE\u00FF",                      // wrap to codes 0 and 1
-      L"\u0416\u044E\u043B\u044C",          // outside the code page
-      L"x\U0001F600y",                      // beyond the BMP
-      L"~\u00FFa\u0416\u20AC",
-      L"",
-  };
-  for (const wchar_t* text : texts) {
+  // Texts the request shift would mangle: wrapping codes, outside the code page, beyond the BMP.
+  for (const wchar_t* text : {L"\u00FE\u00FF", L"\u0416\u044E\u043B\u044C", L"x\U0001F600y",
+                              L"~\u00FFa\u0416\u20AC", L""}) {
     std::optional<std::wstring> stored = ShiftForStorage(text);
     ASSERT_TRUE(stored) << ::testing::PrintToString(text);
     EXPECT_EQ(UnshiftFromStorage(*stored), text);

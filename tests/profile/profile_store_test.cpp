@@ -12,7 +12,6 @@ namespace tavrine::profile {
 namespace {
 
 using testing::ReadFileBytes;
-using testing::WriteFileBytes;
 
 std::wstring UserKey(const ProfileStore& store, const std::wstring& user) {
   return store.root_key() + L"\\" + user;
@@ -25,48 +24,48 @@ class FreshStore : public ::testing::Test {
   ProfileStore store_ = fixture_.Store();
 };
 
-TEST(ProfileStore, RootKeyDropsTheInstallationNamesOuterSeparators) {
+TEST_F(FreshStore, RootKeyDropsOuterSeparatorsAndWithoutAnInstallationNameTheStoreIsClosed) {
   EXPECT_EQ(RootKeyFor(L"\\TavrinE/"), L"Software\\Brennick\\TavrinE");
   EXPECT_EQ(RootKeyFor(L"Brand\\Sub"), L"Software\\Brennick\\Brand\\Sub");
-  EXPECT_EQ(RootKeyFor(L"\\/"), L"");  // the empty name is the closed-store test's
+  EXPECT_EQ(RootKeyFor(L"\\/"), L"");
+  ProfileStore closed = fixture_.Store(L"");
+  EXPECT_FALSE(closed.available());
+  EXPECT_FALSE(closed.SetCurrentUser(L"alice"));
+  EXPECT_FALSE(closed.UpdateForUser(L"alice", L"username", L"alice"));
+  // Nothing may land in the shared Brennick key.
+  EXPECT_FALSE(fixture_.Registry()->KeyExists(L"Software\\Brennick\\alice"));
+  EXPECT_EQ(fixture_.Registry()->ReadString(L"Software\\Brennick", L"CurrentUser"), std::nullopt);
 }
 
-TEST_F(FreshStore, ValuesRoundTripAsPlainTextWhateverTheyHold) {
-  ASSERT_TRUE(store_.SetCurrentUser(L"J\u00FCrgen"));
-  // Plain and protected values; the store's own escaping is the registry tests'.
-  const std::wstring names[] = {L"username", L"password", L"encpasswordnew", L"ProxyPass"};
+TEST_F(FreshStore, ValuesRoundTripAndSecretsNeverReachTheBackingStoreAsPlainText) {
+  const std::wstring user = L"J\u00FCrgen";
+  ASSERT_TRUE(store_.SetCurrentUser(user));
+  // Registry names ignore case, so every spelling is the same protected value;
+  // the plain one last, so the store file holds the secret only after it.
+  const std::wstring names[] = {L"password", L"Password", L"ENCPASSWORD", L"encpasswordnew",
+                                L"ProxyPass", L"proxypass", L"username"};
   const std::wstring values[] = {
-      L"J\u00FCrgen \u20AC \u0416\u0435\u043D\u044F", L"p@ss~}\u00FF\u00FE", L"",
-      L"line1\r\nline2", L"x\U0001F600y", std::wstring(3000, L'z'),
+      L"hunter2-Geheimnis", L"J\u00FCrgen \u20AC \u0416\u0435\u043D\u044F", L"p@ss~}\u00FF\u00FE",
+      L"", L"line1\r\nline2", L"x\U0001F600y", std::wstring(3000, L'z'),
   };
   for (const std::wstring& name : names) {
     for (const std::wstring& value : values) {
+      SCOPED_TRACE(::testing::PrintToString(name) + " = " + ::testing::PrintToString(value));
       ASSERT_TRUE(store_.Update(name, value));
-      EXPECT_EQ(fixture_.Store().Get(name), value)
-          << ::testing::PrintToString(name) << " = " << ::testing::PrintToString(value);
+      EXPECT_EQ(fixture_.Store().Get(name), value);
+      std::optional<std::wstring> raw = store_.registry().ReadString(UserKey(store_, user), name);
+      ASSERT_TRUE(raw);
+      if (name == L"username") {
+        EXPECT_EQ(*raw, value);  // ordinary values stay readable REG_SZ text
+      } else {
+        EXPECT_EQ(raw->find(L"hunter2"), std::wstring::npos);
+        if (fixture_.FileBacked()) {
+          EXPECT_EQ(ReadFileBytes(platform::ToFsPath(ProfileStoreFile())).find("hunter2"),
+                    std::string::npos);
+        }
+      }
     }
   }
-}
-
-TEST_F(FreshStore, SecretsNeverReachTheBackingStoreAsPlainText) {
-  ASSERT_TRUE(store_.SetCurrentUser(L"alice"));
-  const std::wstring secret = L"hunter2-Geheimnis";
-  // Registry names ignore case, so every spelling is the same protected value.
-  for (const wchar_t* name : {L"password", L"Password", L"ENCPASSWORD", L"encpasswordnew",
-                              L"ProxyPass", L"proxypass"}) {
-    ASSERT_TRUE(store_.Update(name, secret));
-    std::optional<std::wstring> raw = store_.registry().ReadString(UserKey(store_, L"alice"), name);
-    ASSERT_TRUE(raw) << ::testing::PrintToString(name);
-    EXPECT_EQ(raw->find(L"hunter2"), std::wstring::npos) << ::testing::PrintToString(name);
-    EXPECT_EQ(store_.Get(name), secret);
-  }
-  if (fixture_.FileBacked()) {
-    EXPECT_EQ(ReadFileBytes(platform::ToFsPath(ProfileStoreFile())).find("hunter2"),
-              std::string::npos);
-  }
-  // Ordinary values stay readable REG_SZ text for anyone who looks.
-  ASSERT_TRUE(store_.Update(L"username", L"alice"));
-  EXPECT_EQ(store_.registry().ReadString(UserKey(store_, L"alice"), L"username"), L"alice");
 }
 
 TEST_F(FreshStore, KeepsTheDesignedLayout) {
@@ -84,7 +83,7 @@ TEST_F(FreshStore, KeepsTheDesignedLayout) {
   EXPECT_EQ(store_.Get(L"CurrentUser"), L"carol");
 }
 
-TEST_F(FreshStore, SwitchingTheCurrentUserSwitchesEveryValue) {
+TEST_F(FreshStore, SwitchingTheCurrentUserSwitchesEveryValueAndDeletingForgetsIt) {
   ASSERT_TRUE(store_.SetCurrentUser(L"alice"));
   ASSERT_TRUE(store_.Update(L"password", L"alice-pw"));
   ASSERT_TRUE(store_.Update(L"port", L"443"));
@@ -96,9 +95,14 @@ TEST_F(FreshStore, SwitchingTheCurrentUserSwitchesEveryValue) {
   EXPECT_EQ(store_.Get(L"password"), L"alice-pw");
   EXPECT_EQ(store_.GetForUser(L"bob", L"password"), L"bob-pw");
   EXPECT_EQ(store_.Get(L"port"), L"443");
+  ASSERT_TRUE(store_.SetDefaultUser(L"alice"));
+  ASSERT_TRUE(store_.DeleteUser(L"alice"));
+  EXPECT_EQ(store_.CurrentUser(), L"");
+  EXPECT_EQ(store_.DefaultUser(), L"");
+  EXPECT_EQ(store_.Users(), std::vector<std::wstring>{L"bob"});
 }
 
-TEST_F(FreshStore, WithoutACurrentUserNothingIsReadOrWritten) {
+TEST_F(FreshStore, WithoutASafeCurrentUserNothingIsReadOrWritten) {
   EXPECT_EQ(store_.CurrentUser(), L"");  // no store_ file or key yet
   EXPECT_TRUE(store_.Users().empty());
   ASSERT_TRUE(store_.UpdateForUser(L"alice", L"username", L"alice"));
@@ -111,6 +115,12 @@ TEST_F(FreshStore, WithoutACurrentUserNothingIsReadOrWritten) {
   ASSERT_TRUE(store_.SetCurrentUser(L""));
   EXPECT_FALSE(store_.Update(L"username", L"stray"));
   EXPECT_EQ(store_.GetForUser(L"alice", L"username"), L"alice");
+  // A stored name that could leave the root is no user at all.
+  ASSERT_TRUE(store_.registry().WriteString(store_.root_key(), L"CurrentUser", L"..\\..\\evil"));
+  ASSERT_TRUE(store_.registry().WriteString(UserKey(store_, L"..\\..\\evil"), L"username", L"x"));
+  EXPECT_EQ(store_.CurrentUser(), L"");
+  EXPECT_EQ(store_.Get(L"username"), L"");
+  EXPECT_FALSE(store_.Update(L"username", L"y"));
 }
 
 TEST_F(FreshStore, RefusedNamesNeverBecomeKeys) {
@@ -125,71 +135,22 @@ TEST_F(FreshStore, RefusedNamesNeverBecomeKeys) {
   EXPECT_TRUE(store_.registry().ListSubkeys(store_.root_key()).empty());
 }
 
-TEST_F(FreshStore, ATamperedCurrentUserIsNoUserAtAll) {
-  ASSERT_TRUE(store_.registry().WriteString(store_.root_key(), L"CurrentUser", L"..\\..\\evil"));
-  ASSERT_TRUE(store_.registry().WriteString(UserKey(store_, L"..\\..\\evil"), L"username", L"x"));
-  EXPECT_EQ(store_.CurrentUser(), L"");
-  EXPECT_EQ(store_.Get(L"username"), L"");
-  EXPECT_FALSE(store_.Update(L"username", L"y"));
-}
-
-TEST(ProfileStore, TwoInstallationsAreKeptApart) {
-  ProfileFixture fixture;
-  ProfileStore first = fixture.Store();
-  ProfileStore second = fixture.Store(fixture.OtherInstallation());
-  ASSERT_TRUE(first.SetCurrentUser(L"alice"));
-  ASSERT_TRUE(second.SetCurrentUser(L"bob"));
-  ASSERT_TRUE(first.Update(L"password", L"first-pw"));
-  ASSERT_TRUE(second.UpdateForUser(L"alice", L"password", L"second-pw"));
-  EXPECT_EQ(first.Get(L"password"), L"first-pw");
-  EXPECT_EQ(second.GetForUser(L"alice", L"password"), L"second-pw");
-  ASSERT_TRUE(second.DeleteUser(L"alice"));
-  EXPECT_EQ(first.Get(L"password"), L"first-pw");
-  EXPECT_EQ(second.CurrentUser(), L"bob");
-}
-
-TEST_F(FreshStore, DeletingAUserForgetsItEverywhereInTheStore) {
-  ASSERT_TRUE(store_.UpdateForUser(L"alice", L"username", L"alice"));
-  ASSERT_TRUE(store_.UpdateForUser(L"alicia", L"username", L"alicia"));
-  ASSERT_TRUE(store_.SetCurrentUser(L"alice"));
-  ASSERT_TRUE(store_.SetDefaultUser(L"alice"));
-  ASSERT_TRUE(store_.DeleteUser(L"ALICE"));
-  EXPECT_EQ(store_.CurrentUser(), L"");
-  EXPECT_EQ(store_.DefaultUser(), L"");
-  EXPECT_EQ(store_.Users(), std::vector<std::wstring>{L"alicia"});
-}
-
-TEST(ProfileStore, WithoutAnInstallationNameTheStoreIsClosed) {
-  ProfileFixture fixture;
-  ProfileStore store = fixture.Store(L"");
-  EXPECT_FALSE(store.available());
-  EXPECT_FALSE(store.SetCurrentUser(L"alice"));
-  EXPECT_FALSE(store.UpdateForUser(L"alice", L"username", L"alice"));
-  // Nothing may land in the shared Brennick key.
-  EXPECT_FALSE(fixture.Registry()->KeyExists(L"Software\\Brennick\\alice"));
-  EXPECT_EQ(fixture.Registry()->ReadString(L"Software\\Brennick", L"CurrentUser"), std::nullopt);
-}
-
 // Refuses every write, so the failure paths can be seen.
 class RefusingRegistry final : public platform::Registry {
+  using S = const std::wstring&;
+
  public:
-  std::optional<std::wstring> ReadString(const std::wstring&, const std::wstring& name) override {
-    if (name == L"CurrentUser") return L"alice";
-    return std::nullopt;
+  std::optional<std::wstring> ReadString(S, S name) override {
+    return name == L"CurrentUser" ? std::optional<std::wstring>(L"alice") : std::nullopt;
   }
-  bool WriteString(const std::wstring&, const std::wstring&, const std::wstring&) override {
-    return false;
-  }
-  using Dword = std::optional<std::uint32_t>;
-  Dword ReadDword(const std::wstring&, const std::wstring&) override { return std::nullopt; }
-  bool WriteDword(const std::wstring&, const std::wstring&, std::uint32_t) override {
-    return false;
-  }
-  bool DeleteValue(const std::wstring&, const std::wstring&) override { return false; }
-  bool DeleteKeyTree(const std::wstring&) override { return false; }
-  bool KeyExists(const std::wstring&) override { return false; }
-  std::vector<std::wstring> ListSubkeys(const std::wstring&) override { return {}; }
-  std::vector<std::wstring> ListValues(const std::wstring&) override { return {}; }
+  bool WriteString(S, S, S) override { return false; }
+  std::optional<std::uint32_t> ReadDword(S, S) override { return std::nullopt; }
+  bool WriteDword(S, S, std::uint32_t) override { return false; }
+  bool DeleteValue(S, S) override { return false; }
+  bool DeleteKeyTree(S) override { return false; }
+  bool KeyExists(S) override { return false; }
+  std::vector<std::wstring> ListSubkeys(S) override { return {}; }
+  std::vector<std::wstring> ListValues(S) override { return {}; }
 };
 
 TEST(ProfileStore, AFailedWriteIsTracedByNameWithoutTheSecret) {
@@ -215,10 +176,13 @@ TEST(ProfileShorthands, FollowTheLoadedInstallationOrElseTheConfiguration) {
   EXPECT_EQ(GetUserProfile(L"password"), L"pw");
   EXPECT_EQ(CurrentUserName(), L"alice");
   EXPECT_EQ(DefaultUserName(), L"alice");
-  // A loaded name wins over the file.
+  // A loaded name wins over the file; that installation's store is apart, deletes too.
   foundation::CurrentSettings().installation_name = fixture.OtherInstallation();
   EXPECT_EQ(GetUserProfile(L"password"), L"");
   EXPECT_EQ(CurrentUserName(), L"");
+  ASSERT_TRUE(SetCurrentUserName(L"alice"));
+  ASSERT_TRUE(ProfileStore::ForCurrentInstallation().DeleteUser(L"alice"));
+  EXPECT_EQ(fixture.Store().Get(L"password"), L"pw");
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace tavrine::profile {
 namespace {
 
@@ -22,11 +24,7 @@ TEST(IsSafeName, RefusesOnlyNamesThatCouldLeaveTheWorkRootOrAliasAnother) {
 }
 
 TEST(SameUserName, IgnoresCaseBeyondAscii) {
-  struct Case {
-    const wchar_t* a;
-    const wchar_t* b;
-    bool same;
-  } cases[] = {
+  const std::tuple<const wchar_t*, const wchar_t*, bool> cases[] = {
       {L"Alice", L"aLICE", true},
       {L"J\u00DCRGEN", L"j\u00FCrgen", true},
       {L"\u0416\u0415\u041D\u042F", L"\u0436\u0435\u043D\u044F", true},
@@ -36,9 +34,9 @@ TEST(SameUserName, IgnoresCaseBeyondAscii) {
       {L"a", L"b", false},
       {L"\u00D7", L"\u00F7", false},  // multiplication and division signs are not letters
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(SameUserName(c.a, c.b), c.same)
-        << ::testing::PrintToString(c.a) << " vs " << ::testing::PrintToString(c.b);
+  for (const auto& [a, b, same] : cases) {
+    EXPECT_EQ(SameUserName(a, b), same)
+        << ::testing::PrintToString(a) << " vs " << ::testing::PrintToString(b);
   }
 }
 
