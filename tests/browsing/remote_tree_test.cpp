@@ -2,6 +2,8 @@
 
 #include <random>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "browsing/case_fold.h"
@@ -39,44 +41,33 @@ std::vector<std::wstring> Entries(const RemoteListing& listing) {
 }
 
 TEST(ListingDate, ConvertsWithoutTimeZoneShift) {
-  struct Case {
-    const wchar_t* text;
-    bool ok;
-    std::uint64_t ticks;
-  };
-  // Ticks since 1601-01-01 UTC.
-  const Case cases[] = {
-      {L"01-31-2011 13:05:09", true, 129409527090000000ULL},
-      {L"01-01-1601 00:00:00", true, 0},
-      {L"02-29-2012 23:59:59", true, 129750335990000000ULL},
-      {L"02-29-2011 00:00:00", false, 0},   // no such day
-      {L"13-01-2011 00:00:00", false, 0},   // no such month
-      {L"01-31-2011 13:05", false, 0},      // four separators only
-      {L"01/31/2011 13:05:09", false, 0},   // other separators
-      {L"", false, 0},
-      {L"aa-31-2011 13:05:09", false, 0},
+  constexpr std::uint64_t kJan31 = 129409527090000000ULL;  // ticks since 1601-01-01 UTC
+  const std::pair<const wchar_t*, std::uint64_t> good[] = {
+      {L"01-31-2011 13:05:09", kJan31}, {L"01-01-1601 00:00:00", 0},
+      {L"02-29-2012 23:59:59", 129750335990000000ULL},
       // Other shapes of the same instant, read the general way.
-      {L"1-31-2011 13:5:9", true, 129409527090000000ULL},
-      {L" 01-31-2011 13:05:09", true, 129409527090000000ULL},
-      {L"01-31-2011 13:05:0x", false, 0},  // the written length, a letter in it
-      {L"01-31-2011 13:05:60", false, 0},
-      // Impossible or hostile dates.
-      {L"02-30-2011 00:00:00", false, 0}, {L"00-10-2011 00:00:00", false, 0},
-      {L"12-00-2011 00:00:00", false, 0}, {L"01-01-1600 00:00:00", false, 0},
-      {L"12-31-99999 23:59:59", false, 0}, {L"99999999999999999999-01-2011 00:00:00", false, 0},
-      {L"01-01-2011 24:00:00", false, 0}, {L"01-01-2011 -1:00:00", false, 0},
-      {L"\x0661\x0662-01-2011 00:00:00", false, 0},
+      {L"1-31-2011 13:5:9", kJan31}, {L" 01-31-2011 13:05:09", kJan31},
   };
-  for (const Case& c : cases) {
+  const wchar_t* const bad[] = {
+      L"02-29-2011 00:00:00", L"13-01-2011 00:00:00",  // no such day, no such month
+      L"01-31-2011 13:05", L"01/31/2011 13:05:09",     // four separators, other separators
+      L"", L"aa-31-2011 13:05:09",
+      L"01-31-2011 13:05:0x", L"01-31-2011 13:05:60",  // the written length, a letter in it
+      // Impossible or hostile dates.
+      L"02-30-2011 00:00:00", L"00-10-2011 00:00:00", L"12-00-2011 00:00:00",
+      L"01-01-1600 00:00:00", L"12-31-99999 23:59:59", L"99999999999999999999-01-2011 00:00:00",
+      L"01-01-2011 24:00:00", L"01-01-2011 -1:00:00", L"\x0661\x0662-01-2011 00:00:00",
+  };
+  for (const auto& [text, ticks] : good) {
     FileTime time{7, 9};
-    EXPECT_EQ(ConvertListingDate(std::wstring_view(c.text), time) == DateFailure::kNone, c.ok) << c.text;
-    std::uint64_t ticks = (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
-    if (c.ok) {
-      EXPECT_EQ(ticks, c.ticks) << c.text;
-    } else {
-      EXPECT_EQ(time.dwLowDateTime, 7u) << c.text;  // left as it was
-      EXPECT_EQ(time.dwHighDateTime, 9u) << c.text;
-    }
+    EXPECT_EQ(ConvertListingDate(std::wstring_view(text), time), DateFailure::kNone) << text;
+    EXPECT_EQ((std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime, ticks) << text;
+  }
+  for (const wchar_t* text : bad) {
+    FileTime time{7, 9};
+    EXPECT_NE(ConvertListingDate(std::wstring_view(text), time), DateFailure::kNone) << text;
+    EXPECT_EQ(time.dwLowDateTime, 7u) << text;  // left as it was
+    EXPECT_EQ(time.dwHighDateTime, 9u) << text;
   }
 }
 
@@ -136,34 +127,6 @@ TEST(ListingLoad, LineEndsSplitAcrossReadPiecesStayOneEnd) {
   }
 }
 
-TEST(ListingLoad, LineLongerThanAReadPieceIsOneEntry) {
-  const std::wstring line = L"C:\\" + std::wstring(300000, L'n') + L"/1/2/x/U";
-  auto loaded = Load(line + L"\r\n" + line + L"\r");
-  ASSERT_EQ(loaded->listing.count(), 2);
-  EXPECT_EQ(loaded->listing.Entry(2), line);
-}
-
-TEST(ListingFind, NamesAndModesSurviveTheRoundTrip) {
-  const std::wstring names[] = {
-      L"plain_ascii_name_longer_than_sixteen.txt", L"ÄÖÜäöü.txt", L"Фотографии_2024", L"ab€cd",
-      L"x\U0001D11Ey", L"lone\xD800surrogate", L"é", L"aé", L"1234567.é.1234567"};
-  std::wstring text;
-  for (const std::wstring& name : names) text += L"C:\\D\\" + name + L"/1/2/01-31-2011 13:05:09/Möde\r\n";
-  auto loaded = Load(text);
-  const RemoteListing& listing = loaded->listing;
-  EnumCursor cursor;
-  FindData data;
-  std::int32_t p = listing.FindFirst(L"C:\\D\\", cursor, data);
-  for (const std::wstring& name : names) {
-    ASSERT_NE(p, -1) << name.size();
-    EXPECT_EQ(data.cFilename, name);
-    EXPECT_EQ(data.strUnimode, L"Möde");
-    EXPECT_EQ(listing.Entry(p), L"C:\\D\\" + name + L"/1/2/01-31-2011 13:05:09/Möde");
-    p = listing.FindNext(cursor, data);
-  }
-  EXPECT_EQ(p, -1);
-}
-
 TEST(ListingLoad, WindowMessagesRunWhileALongListingLoads) {
   testing::RecordingUi ui;
   platform::ScopedServices seams({.ui = &ui, .module_folder = {}});
@@ -173,32 +136,6 @@ TEST(ListingLoad, WindowMessagesRunWhileALongListingLoads) {
   auto loaded = Load(text);
   EXPECT_EQ(loaded->listing.count(), static_cast<std::int32_t>(lines));
   EXPECT_GE(ui.pumps(), 3);
-}
-
-TEST(ListingFind, NumbersAsWritten) {
-  struct Case {
-    const wchar_t* version;
-    const wchar_t* size;
-    std::int16_t want_version;
-    std::int64_t want_size;
-  };
-  const Case cases[] = {
-      {L"7", L"1234567890", 7, 1234567890},
-      {L"70000", L"-5", 32767, -5},          // versions are clamped to a short
-      {L"-40000", L" 12", -32768, 12},
-      {L"+3", L"12abc", 3, 12},
-      {L"", L"", 0, 0},
-      {L"1", L"123456789012345678", 1, 123456789012345678},    // longest plain form
-      {L"1", L"1234567890123456789", 1, 1234567890123456789},  // one digit more
-  };
-  for (const Case& c : cases) {
-    auto loaded = Load(std::wstring(L"C:\\a.txt/") + c.version + L"/" + c.size + L"/01-31-2011 13:05:09/U\r\n");
-    EnumCursor cursor;
-    FindData data;
-    ASSERT_EQ(loaded->listing.FindFirst(L"C:\\", cursor, data), 1) << c.version << " " << c.size;
-    EXPECT_EQ(data.nVersion, c.want_version) << c.version;
-    EXPECT_EQ(data.nFileSize, c.want_size) << c.size;
-  }
 }
 
 struct Found {
@@ -211,14 +148,18 @@ struct Found {
   bool operator==(const Found&) const = default;
 };
 
+Found Of(std::int32_t p, const FindData& data) {
+  return {p, data.cFilename, data.nFileSize, data.nVersion, data.ftLastWriteTime.dwLowDateTime,
+          data.ftLastWriteTime.dwHighDateTime, data.strUnimode};
+}
+
 std::vector<Found> Walk(const RemoteListing& listing, const std::wstring& folder) {
   std::vector<Found> out;
   EnumCursor cursor;
   FindData data;
   for (std::int32_t p = listing.FindFirst(folder, cursor, data); p != -1;
        p = listing.FindNext(cursor, data)) {
-    out.push_back({p, data.cFilename, data.nFileSize, data.nVersion, data.ftLastWriteTime.dwLowDateTime,
-                   data.ftLastWriteTime.dwHighDateTime, data.strUnimode});
+    out.push_back(Of(p, data));
   }
   EXPECT_EQ(data.nFileSize, -1);
   EXPECT_EQ(data.ftCreationTime.dwHighDateTime, 0xFFFFFFFFu);
@@ -229,10 +170,49 @@ std::vector<Found> Walk(LinearScanListing& scan, const std::wstring& folder) {
   std::vector<Found> out;
   FindData data;
   for (std::int32_t p = scan.FindFirst(folder, data); p != -1; p = scan.FindNext(data)) {
-    out.push_back({p, data.cFilename, data.nFileSize, data.nVersion, data.ftLastWriteTime.dwLowDateTime,
-                   data.ftLastWriteTime.dwHighDateTime, data.strUnimode});
+    out.push_back(Of(p, data));
   }
   return out;
+}
+
+TEST(ListingFind, NamesAndModesSurviveTheRoundTrip) {
+  const std::wstring names[] = {
+      L"plain_ascii_name_longer_than_sixteen.txt", L"ÄÖÜäöü.txt", L"Фотографии_2024", L"ab€cd",
+      L"x\U0001D11Ey", L"lone\xD800surrogate", L"é", L"aé", L"1234567.é.1234567"};
+  std::wstring text;
+  for (const std::wstring& name : names) text += L"C:\\D\\" + name + L"/1/2/01-31-2011 13:05:09/Möde\r\n";
+  auto loaded = Load(text);
+  const std::vector<Found> found = Walk(loaded->listing, L"C:\\D\\");
+  ASSERT_EQ(found.size(), std::size(names));
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    EXPECT_EQ(found[i].name, names[i]);
+    EXPECT_EQ(found[i].mode, L"Möde");
+    EXPECT_EQ(loaded->listing.Entry(found[i].position),
+              L"C:\\D\\" + names[i] + L"/1/2/01-31-2011 13:05:09/Möde");
+  }
+}
+
+TEST(ListingFind, NumbersAsWritten) {
+  const std::tuple<const wchar_t*, const wchar_t*, std::int16_t, std::int64_t> cases[] = {
+      {L"7", L"1234567890", 7, 1234567890},
+      {L"70000", L"-5", 32767, -5},          // versions are clamped to a short
+      {L"-40000", L" 12", -32768, 12},
+      {L"+3", L"12abc", 3, 12},
+      {L"", L"", 0, 0},
+      {L"1", L"123456789012345678", 1, 123456789012345678},    // longest plain form
+      {L"1", L"1234567890123456789", 1, 1234567890123456789},  // one digit more
+  };
+  std::wstring text;
+  for (const auto& [version, size, want_version, want_size] : cases)
+    text += std::wstring(L"C:\\a.txt/") + version + L"/" + size + L"/01-31-2011 13:05:09/U\r\n";
+  auto loaded = Load(text);
+  const std::vector<Found> found = Walk(loaded->listing, L"C:\\");
+  ASSERT_EQ(found.size(), std::size(cases));
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    const auto& [version, size, want_version, want_size] = cases[i];
+    EXPECT_EQ(found[i].version, want_version) << version;
+    EXPECT_EQ(found[i].size, want_size) << size;
+  }
 }
 
 TEST(CaseFold, LettersAsTheSystemLowerCasesThem) {
@@ -294,7 +274,7 @@ std::wstring OddListing(std::mt19937& rng, std::vector<std::wstring>& folders) {
                                            L"Việt Nam", L"VIỆT NAM", L"Ơn", L"ơn", L"ǅemal"};
   const std::vector<std::wstring> drives = {L"C:\\", L"c:\\", L"D:\\"};
   std::uniform_int_distribution<int> pick(0, 99);
-  std::wstring text = pick(rng) < 50 ? L"" : L"";
+  std::wstring text;
   std::wstring previous;
   const int lines = 20 + pick(rng);
   for (int i = 0; i < lines; ++i) {
