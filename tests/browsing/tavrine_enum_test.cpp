@@ -107,8 +107,10 @@ TEST_F(EnumTest, NextFileGoesOnOverALoadAnotherObjectMade) {
   EXPECT_EQ(data.nVersion, -1);
 }
 
-TEST_F(EnumTest, LocalRefreshReadsSeveralComputersPrefixed) {
-  profile::UpdateUserProfile(L"List", L"PC1|0|1;pc1|0|1;PC2|0|1;OLD|0|0;");
+TEST_F(EnumTest, LocalRefreshReadsSeveralComputersPrefixedAndOnlyPlainNames) {
+  // Names that are not plain names (from the service) never become listing folders.
+  profile::UpdateUserProfile(L"List", L"PC1|0|1;pc1|0|1;..|1|1;a\\b|2|1;c/d|3|1;.|4|1;C:|5|1;"
+                                      L"PC2|0|1;OLD|0|0;");
   profile::UpdateUserProfile(L"HostCount", L"2");
   WriteFileBytes(UserPath() / "PC1" / "Backupfile.txt",
                  Utf16LeFile(L"C:\\a.txt/1/1/01-31-2011 13:05:09/U\r\n"));
@@ -135,10 +137,14 @@ TEST_F(EnumTest, LocalRefreshReadsSeveralComputersPrefixed) {
   for (std::string line; std::getline(trace, line);)
     if (std::size_t at = line.find("ReadMachineList :"); at != std::string::npos)
       machine_lines.push_back(line.substr(at));
-  EXPECT_EQ(machine_lines, (std::vector<std::string>{"ReadMachineList :: Total Machine Count : 2\r",
-                                                      "ReadMachineList : Total Machine List : PC1;PC2;\r",
-                                                      "ReadMachineList :: Total Machine Count : 3\r",
-                                                      "ReadMachineList : Total Machine List : PC1;PC2;PC3;\r"}));
+  std::vector<std::string> expected(
+      5, "ReadMachineList : a machine name that cannot be a folder name is left out\r");
+  for (const char* line : {"ReadMachineList :: Total Machine Count : 2\r",
+                           "ReadMachineList : Total Machine List : PC1;PC2;\r",
+                           "ReadMachineList :: Total Machine Count : 3\r",
+                           "ReadMachineList : Total Machine List : PC1;PC2;PC3;\r"})
+    expected.push_back(line);
+  EXPECT_EQ(machine_lines, expected);
 }
 
 TEST_F(EnumTest, MissingListingIsLoggedAndFindsNothing) {

@@ -14,7 +14,6 @@
 #include "browsing/browsing_state.h"
 #include "browsing/file_history.h"
 #include "browsing/remote_tree.h"
-#include "browsing/tavrine_enum.h"
 #include "foundation/text_file.h"
 #include "hardening_fixture.h"
 #include "operations/cls_api_interface.h"
@@ -94,15 +93,6 @@ std::vector<fs::path> FilesOutside(const fs::path& root, const fs::path& inside)
     if (!relative.empty() && *relative.begin() == "..") found.push_back(entry.path());
   }
   return found;
-}
-
-// Machine names come from the service: one that is not a plain name must
-// never become a listing folder.
-TEST_F(Hostile, ServerMachineNamesThatLeaveTheFolderAreDropped) {
-  profile::UpdateUserProfile(L"List", L"..|1|1;a\\b|2|1;c/d|3|1;.|4|1;C:|5|1;GOOD|6|1;");
-  browsing::TavrinEenum enumeration;
-  EXPECT_EQ(enumeration.ReadMachineList(), 1);
-  EXPECT_EQ(browsing::CurrentBrowsingState().machine_list, std::vector<std::wstring>{L"GOOD"});
 }
 
 TEST_F(Hostile, AStoredCurrentUserThatLeavesTheWorkRootIsRefused) {
