@@ -113,21 +113,7 @@ TEST_F(Vault, FirstSessionSetsTheChosenKey) {
   EXPECT_EQ(ReadFileBytes(vault() / "accounts/dora/account.txt").find("dora secret"), std::string::npos);
 }
 
-TEST_F(Vault, ListingByteForByte) {
-  LogIn(L"ben", L"ben-pass");
-  fs::path folder = Exchange("H_list");
-  EXPECT_EQ(Ask(115, folder).code, 0);
-  EXPECT_EQ(ReadFileBytes(folder / "Backupfile.txt"),
-            Utf16LeFile(L"C:\\Users\\ben\\notes.txt/2/82/01-17-2023 09:30:00/A\r\n"
-                  L"C:\\Users\\ben\\Pictures\\cat.bin/1/256/01-26-2023 09:30:00/A\r\n"));
-
-  LogIn(L"dora", L"dora-pass");
-  folder = Exchange("H_empty");
-  EXPECT_EQ(Ask(115, folder).code, 0);
-  EXPECT_FALSE(fs::exists(folder / "Backupfile.txt")) << "an empty backup has no listing";
-}
-
-TEST_F(Vault, BrowseInitWritesOneListingPerComputerAndTheMachineList) {
+TEST_F(Vault, ListingsByteForByteOnePerComputerWithTheMachineList) {
   LogIn(L"anna", L"anna-pass");
   EXPECT_EQ(Ask(122).code, 402);
   EXPECT_EQ(profile::GetUserProfile(L"Count"), L"2");
@@ -144,6 +130,16 @@ TEST_F(Vault, BrowseInitWritesOneListingPerComputerAndTheMachineList) {
   EXPECT_EQ(profile::GetUserProfile(L"List"), L"");
   EXPECT_EQ(Ask(122).code, 402);
   EXPECT_TRUE(fs::exists(UserFolder() / "Backupfile.txt"));
+  fs::path folder = Exchange("H_list");
+  EXPECT_EQ(Ask(115, folder).code, 0);
+  EXPECT_EQ(ReadFileBytes(folder / "Backupfile.txt"),
+            Utf16LeFile(L"C:\\Users\\ben\\notes.txt/2/82/01-17-2023 09:30:00/A\r\n"
+                        L"C:\\Users\\ben\\Pictures\\cat.bin/1/256/01-26-2023 09:30:00/A\r\n"));
+
+  LogIn(L"dora", L"dora-pass");
+  folder = Exchange("H_empty");
+  EXPECT_EQ(Ask(115, folder).code, 0);
+  EXPECT_FALSE(fs::exists(folder / "Backupfile.txt")) << "an empty backup has no listing";
 }
 
 TEST_F(Vault, VersionsOfAFile) {
@@ -189,7 +185,7 @@ class VaultRestore : public VaultTest {
   TempFolder destination_;
 };
 
-TEST_F(VaultRestore, FolderOfOneComputerLandsUnderItsNameWithTheLatestVersions) {
+TEST_F(VaultRestore, ItemOfOneComputerLandsUnderItsNameWithTheLatestVersions) {
   LogIn(L"anna", L"anna-pass", L"anna-key-2024");
   EXPECT_EQ(Restore(L"C:\\Documents", L"HOMEPC|1|1;").code, 402);
   const fs::path report = destination_.path() / "Documents" / "Reports" / "2023" / "Q1 report.txt";
@@ -201,10 +197,8 @@ TEST_F(VaultRestore, FolderOfOneComputerLandsUnderItsNameWithTheLatestVersions) 
   auto written = std::chrono::file_clock::to_sys(fs::last_write_time(report));
   EXPECT_EQ(std::chrono::floor<std::chrono::seconds>(written).time_since_epoch().count(),
             1674034200);  // 01-18-2023 09:30:00 UTC
-}
 
-TEST_F(VaultRestore, ComputerComesFromMpcIniOrTheLeadingName) {
-  LogIn(L"anna", L"anna-pass", L"anna-key-2024");
+  // The computer comes from MPC.ini or the leading name.
   EXPECT_EQ(Restore(L"C:\\Projects\\plan.txt", L"WORKPC|2|1;").code, 402);
   EXPECT_EQ(ReadFileBytes(destination_.path() / "plan.txt"), SampleText("C:\\Projects\\plan.txt", 4));
   EXPECT_EQ(Restore(L"C:\\Projects\\plan.txt", L"HOMEPC|1|1;").code, -408);
@@ -279,22 +273,6 @@ class VaultUpload : public VaultTest {
   fs::path local_;
 };
 
-TEST_F(VaultUpload, EachUploadAddsAVersionTheListingAndRestoreSee) {
-  VaultAnswer answer = Upload("first");
-  EXPECT_EQ(answer.code, 402);
-  EXPECT_EQ(answer.output1, "1\r\n");
-  EXPECT_EQ(Upload("second, longer").code, 402);
-  EXPECT_EQ(Bars(Versions()), 2);
-  EXPECT_EQ(RestoredBytes(), "second, longer");
-
-  // Stored under the names already there, which may differ in case.
-  fs::path folder = Exchange("H_list");
-  Ask(115, folder);
-  const std::wstring line = RemoteForm(local_) + L"/2/14/";
-  const std::wstring listing = Utf16LeText(ReadFileBytes(folder / "Backupfile.txt"));
-  EXPECT_NE(Lower(listing).find(Lower(line)), std::wstring::npos);
-}
-
 TEST_F(VaultUpload, FullQuotaRefusesTheWholeUpload) {
   AppendToVaultFile("accounts/ben/account.txt", "quota = 385\n");  // 379 used
   EXPECT_EQ(Upload("seven b").code, -406);
@@ -302,8 +280,16 @@ TEST_F(VaultUpload, FullQuotaRefusesTheWholeUpload) {
   EXPECT_EQ(Upload("six b!").code, 402);
 }
 
-TEST_F(VaultUpload, CrashMidUploadLeavesThePreviousVersionReadable) {
-  ASSERT_EQ(Upload("version one").code, 402);
+TEST_F(VaultUpload, EachUploadAddsAVersionButACrashMidUploadLeavesThePreviousOne) {
+  VaultAnswer answer = Upload("version one");
+  ASSERT_EQ(answer.code, 402);
+  EXPECT_EQ(answer.output1, "1\r\n");
+  // Stored under the names already there, which may differ in case.
+  fs::path folder = Exchange("H_list");
+  Ask(115, folder);
+  const std::wstring listing = Utf16LeText(ReadFileBytes(folder / "Backupfile.txt"));
+  EXPECT_NE(Lower(listing).find(Lower(RemoteForm(local_) + L"/1/11/")), std::wstring::npos);
+
   AppendToVaultFile("vault.txt", "crash-during-upload = 1\n");
   VaultAnswer crashed = Upload("version two, never complete");
   EXPECT_FALSE(crashed.has_output);
@@ -313,6 +299,7 @@ TEST_F(VaultUpload, CrashMidUploadLeavesThePreviousVersionReadable) {
 
   AppendToVaultFile("vault.txt", "crash-during-upload = 0\n");
   EXPECT_EQ(Upload("version two").code, 402);
+  EXPECT_EQ(Bars(Versions()), 2);
   EXPECT_EQ(RestoredBytes(), "version two");
 }
 
@@ -333,7 +320,7 @@ TEST_F(Vault, LibraryLogsInSilentlyAndReadsTheQuota) {
   EXPECT_TRUE(ui.boxes().empty());
 }
 
-TEST_F(Vault, RunsAreJournaledAndAScenarioTakesPrecedence) {
+TEST_F(Vault, RunsAreJournaledAScenarioTakesPrecedenceAndTheSampleIsNotRemade) {
   LogIn(L"ben", L"ben-pass");
   Ask(114);
   install_.SetScenario(EngineScenario().On(114).Output(-416));
@@ -342,9 +329,7 @@ TEST_F(Vault, RunsAreJournaledAndAScenarioTakesPrecedence) {
   ASSERT_EQ(runs.size(), 2u);
   EXPECT_EQ(runs[0].note.rfind(L"vault ", 0), 0u);
   EXPECT_TRUE(runs[1].note.empty());
-}
-
-TEST_F(Vault, SampleVaultIsNeverMadeOverAnExistingOne) {
+  // The sample vault is never made over an existing one.
   const std::string before = ReadFileBytes(vault() / "accounts/ben/account.txt");
   install_.Run(L"--make-sample-vault " + platform::FromFsPath(vault()));
   EXPECT_EQ(ReadFileBytes(vault() / "accounts/ben/account.txt"), before);
