@@ -1,15 +1,11 @@
 // Outside input at its worst: huge numbers and lines, NULs, broken UTF-16,
 // names that try to leave the work root, a work root that cannot hold
-// folders, a full disk, a locked request, a late answer.
+// folders, a full disk, a request that cannot be written, a late answer.
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <filesystem>
 #include <string>
-
-#ifdef _WIN32
-#include <windows.h>
-#endif
 
 #include "browsing/browsing_state.h"
 #include "browsing/file_history.h"
@@ -165,23 +161,18 @@ TEST_F(Hostile, AResultFileThatAppearsLateIsStillRead) {
   EXPECT_EQ(operations::clsAPI_Interface().API_REMOTE(folder), 402);
 }
 
-#ifdef _WIN32
-// Another program holds the request file open without sharing: the call must
-// still end with its no-result value instead of waiting on the file.
-TEST_F(Hostile, ALockedRequestFileEndsTheCall) {
+// The request file cannot be written (a folder holds its name, as a lock by
+// another program would): the call ends with its no-result value, the engine
+// never sees a request.
+TEST_F(Hostile, ARequestFileThatCannotBeWrittenEndsTheCall) {
   std::wstring folder = CallerFolder(L"locked");
-  std::wstring request = folder + L"\\DLLInput.txt";
-  HANDLE lock = CreateFileW(request.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                            FILE_ATTRIBUTE_NORMAL, nullptr);
-  ASSERT_NE(lock, INVALID_HANDLE_VALUE);
+  fs::create_directories(platform::ToFsPath(folder) / "DLLInput.txt");
   Script(EngineScenario().On(115).Output(0));
-  std::int32_t result = operations::clsAPI_Interface().API_REMOTE(folder);
-  CloseHandle(lock);
-  EXPECT_EQ(result, -412);
-  auto runs = install_.Journal();
-  for (const auto& run : runs) EXPECT_EQ(run.request.value_or(""), "") << "the engine saw a request";
+  EXPECT_EQ(operations::clsAPI_Interface().API_REMOTE(folder), -412);
+  for (const auto& run : install_.Journal()) {
+    EXPECT_EQ(run.request.value_or(""), "") << "the engine saw a request";
+  }
 }
-#endif
 
 }  // namespace
 }  // namespace tavrine::testing
