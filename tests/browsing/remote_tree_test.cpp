@@ -34,12 +34,6 @@ std::unique_ptr<Loaded> Load(const std::wstring& text, const std::wstring& machi
   return loaded;
 }
 
-std::vector<std::wstring> Entries(const RemoteListing& listing) {
-  std::vector<std::wstring> out;
-  for (int i = 1; i <= listing.count(); ++i) out.push_back(listing.Entry(i));
-  return out;
-}
-
 TEST(ListingDate, ConvertsWithoutTimeZoneShift) {
   constexpr std::uint64_t kJan31 = 129409527090000000ULL;  // ticks since 1601-01-01 UTC
   const std::pair<const wchar_t*, std::uint64_t> good[] = {
@@ -104,7 +98,9 @@ TEST(ListingLoad, FormRulesAndNodes) {
   };
   for (const Case& c : cases) {
     auto loaded = Load(c.text, c.machine);
-    EXPECT_EQ(Entries(loaded->listing), c.entries) << c.name;
+    std::vector<std::wstring> entries;
+    for (int i = 1; i <= loaded->listing.count(); ++i) entries.push_back(loaded->listing.Entry(i));
+    EXPECT_EQ(entries, c.entries) << c.name;
     std::vector<std::wstring> nodes;
     for (auto* n = loaded->listing.root().first_child_; n; n = n->next_sibling_) nodes.push_back(n->name_);
     EXPECT_EQ(nodes, c.nodes) << c.name;

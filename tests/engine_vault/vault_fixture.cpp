@@ -24,7 +24,6 @@ VaultAnswer ReadAnswer(engine::clsClient& client, const fs::path& folder) {
   const std::wstring text = platform::FromFsPath(folder);
   client.ReadDLLOutputFileTempFd(text, answer.has_output, description, value);
   answer.code = static_cast<long long>(value);
-  answer.output1 = ReadFileBytes(folder / "DLLOutput1.txt");
   answer.folder = folder;
   return answer;
 }

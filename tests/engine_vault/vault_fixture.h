@@ -13,7 +13,6 @@ namespace tavrine::testing {
 struct VaultAnswer {
   bool has_output = false;  // DLLOutput.txt was read (else DLLOutputInfo.txt or nothing)
   long long code = 0;
-  std::string output1;  // DLLOutput1.txt bytes, "" when absent
   std::filesystem::path folder;  // the exchange folder
 };
 
