@@ -13,10 +13,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   auto items = tavrine::operations::ReadInputList(tavrine::fuzz::WidePath("backup/InputList.txt"));
   if (!items) std::abort();
   auto request = tavrine::operations::CompareRequest(*items);
-  // Path and kind, two lines per item; a path is never empty.
-  if (request.size() % 2 != 0) std::abort();
-  for (std::size_t i = 0; i < request.size(); i += 2) {
-    if (request[i].empty() || (request[i + 1] != L"0" && request[i + 1] != L"1")) std::abort();
+  // Path and kind, two lines per item, line for line with the input; a
+  // trailing separator becomes the folder kind and leaves the path.
+  if (request.size() != items->size() * 2) std::abort();
+  for (std::size_t i = 0; i < items->size(); ++i) {
+    const std::wstring& item = (*items)[i];
+    const std::wstring& path = request[2 * i];
+    const std::wstring& kind = request[2 * i + 1];
+    if (kind != L"0" && kind != L"1") std::abort();
+    const std::size_t cut = kind == L"1" ? 1 : 0;
+    if (path.size() + cut != item.size() || item.compare(0, path.size(), path) != 0) std::abort();
   }
   return 0;
 }
