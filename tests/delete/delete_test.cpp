@@ -25,13 +25,6 @@ class RemoteDelete : public SessionTest {
     testing::WriteFileBytes(list, kList);
     return platform::FromFsPath(list);
   }
-  std::size_t ExchangeFoldersLeft() const {
-    std::error_code ignored;
-    fs::path root = platform::ToFsPath(TempRoot());
-    if (!fs::is_directory(root, ignored)) return 0;
-    return static_cast<std::size_t>(
-        std::distance(fs::directory_iterator(root), fs::directory_iterator()));
-  }
 };
 
 TEST_F(RemoteDelete, MissingListReturnsMinusOneWithoutStartingTheEngine) {

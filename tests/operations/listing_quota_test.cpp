@@ -120,37 +120,46 @@ TEST_F(Quota, OneLineQuotaLeavesMaxAtZeroAndNoFileGivesMinusOne) {
   EXPECT_EQ(max_size, 0.0);
 }
 
-TEST_F(Quota, FourBusyAnswersShowTheConnectionBoxAndDropLoginProgress) {
-  install_.SetScenario(EngineScenario().On(114).Info(-416));
-  testing::WriteFileBytes(platform::ToFsPath(UserFolder()) / "LoginProgress.txt", "1");
-  double max_size = 5, used = 5;
-  EXPECT_EQ(clsAPI_Interface().API_GetQuota(max_size, used), 0);
-  EXPECT_EQ(install_.Journal().size(), 4u);
-  EXPECT_TRUE(clock_.pauses().empty());
-  EXPECT_EQ(max_size, 5.0);
-  ASSERT_EQ(ui_.boxes().size(), 1u);
-  EXPECT_EQ(ui_.boxes()[0].text, L"Unable to connect to the server. Try later.");
-  EXPECT_FALSE(fs::exists(platform::ToFsPath(UserFolder()) / "LoginProgress.txt"));
-}
-
-TEST_F(Quota, NetworkFailureLogsInAgainAndRetries) {
-  install_.SetScenario(EngineScenario()
-                           .On(114).Info(-504).Then().Output(1).WithFile("Quota.txt", "1\r\n2\r\n")
-                           .On(116).Output(402));
-  double max_size = 0, used = 0;
-  clsAPI_Interface().API_GetQuota(max_size, used);
-  EXPECT_EQ(install_.Codes(), (std::vector<int>{114, 116, 114}));
-  EXPECT_EQ(clock_.CountPauses(100), 1u);
-  EXPECT_EQ(max_size, 2.0);
-}
-
-TEST_F(Quota, ChangedPasswordShowsItsBox) {
-  install_.SetScenario(EngineScenario().On(114).Info(-403));
-  double max_size = 0, used = 0;
-  clsAPI_Interface().API_GetQuota(max_size, used);
-  ASSERT_EQ(ui_.boxes().size(), 1u);
-  EXPECT_EQ(ui_.boxes()[0].title, L"TavrinE Online Backup failure");
-  EXPECT_NE(ui_.boxes()[0].text.find(L"website.Please log out"), std::wstring::npos);
+TEST_F(Quota, FailedAnswers) {
+  const struct {
+    const char* name;
+    EngineScenario scenario;
+    std::vector<int> codes;
+    std::vector<std::uint32_t> pauses;
+    double max_size;
+    const wchar_t* box;  // a part of its text; nullptr: no box
+    const wchar_t* title;
+  } cases[] = {
+      // Four busy answers also drop the login in progress.
+      {"busy", EngineScenario().On(114).Info(-416), {114, 114, 114, 114}, {}, 5,
+       L"Unable to connect to the server. Try later.", L"TavrinE Online Backup"},
+      {"network failure logs in again and retries",
+       EngineScenario().On(114).Info(-504).Then().Output(1).WithFile("Quota.txt", "1\r\n2\r\n")
+           .On(116).Output(402),
+       {114, 116, 114}, {100}, 2, nullptr, nullptr},
+      {"changed password", EngineScenario().On(114).Info(-403), {114}, {}, 5,
+       L"website.Please log out", L"TavrinE Online Backup failure"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    fs::remove(install_.path() / "engine-journal.txt");
+    install_.SetScenario(c.scenario);
+    testing::WriteFileBytes(platform::ToFsPath(UserFolder()) / "LoginProgress.txt", "1");
+    clock_.ClearPauses();
+    const std::size_t boxes_before = ui_.boxes().size();
+    double max_size = 5, used = 5;
+    EXPECT_EQ(clsAPI_Interface().API_GetQuota(max_size, used), 0);
+    EXPECT_EQ(install_.Codes(), c.codes);
+    EXPECT_EQ(clock_.pauses(), c.pauses);
+    EXPECT_EQ(max_size, c.max_size);
+    ASSERT_EQ(ui_.boxes().size(), boxes_before + (c.box ? 1 : 0));
+    if (c.box) {
+      EXPECT_EQ(ui_.boxes().back().title, c.title);
+      EXPECT_NE(ui_.boxes().back().text.find(c.box), std::wstring::npos);
+    }
+    EXPECT_EQ(fs::exists(platform::ToFsPath(UserFolder()) / "LoginProgress.txt"),
+              c.codes.size() != 4);
+  }
 }
 
 TEST_F(Quota, FreePlanFlagFollowsTheExactQuota) {

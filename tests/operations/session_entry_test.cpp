@@ -14,13 +14,6 @@ using testing::EngineScenario;
 using testing::RequestLine;
 using testing::SessionTest;
 
-std::size_t CountFolders(const std::wstring& folder) {
-  std::error_code ignored;
-  if (!fs::is_directory(platform::ToFsPath(folder), ignored)) return 0;
-  return static_cast<std::size_t>(std::distance(fs::directory_iterator(platform::ToFsPath(folder)),
-                                                fs::directory_iterator()));
-}
-
 using SilentLogin = SessionTest;
 
 TEST_F(SilentLogin, TransientAnswersAreRetriedTenTimesThenTheFolderIsRemoved) {
@@ -34,7 +27,7 @@ TEST_F(SilentLogin, TransientAnswersAreRetriedTenTimesThenTheFolderIsRemoved) {
     EXPECT_EQ(RequestLine(run, 6), L"MACHINECODEREADONLY");
   }
   EXPECT_EQ(clock_.CountPauses(2000), 9u);
-  EXPECT_EQ(CountFolders(TempRoot()), 0u);
+  EXPECT_EQ(ExchangeFoldersLeft(), 0u);
   EXPECT_TRUE(ui_.boxes().empty());
 }
 
@@ -57,7 +50,7 @@ TEST_F(SilentLogin, SuccessTakesOverTheReportedServerEvenWithoutAPort) {
   EXPECT_EQ(profile::GetUserProfile(L"serverip"), L"10.20.30.40");
   EXPECT_EQ(profile::GetUserProfile(L"port"), L"");
   // The success path leaves its folder, without the request.
-  ASSERT_EQ(CountFolders(TempRoot()), 1u);
+  ASSERT_EQ(ExchangeFoldersLeft(), 1u);
 }
 
 TEST_F(SilentLogin, AnEngineThatCannotStartCountsAsNoAnswer) {
@@ -69,25 +62,22 @@ TEST_F(SilentLogin, AnEngineThatCannotStartCountsAsNoAnswer) {
 
 using UpdateRandom = SessionTest;
 
+// Four busy answers store nothing; any other answer stores the number sent.
 TEST_F(UpdateRandom, StoresTheNewNumberWhateverTheAnswerBut416) {
-  install_.SetScenario(EngineScenario().On(5).Info(-401));
-  profile::UpdateUserProfile(L"random", L"old");
-  EXPECT_EQ(clsAPI_Interface().API_UPDATE_RAND_NUM(), -401);
-  auto runs = install_.Journal();
-  ASSERT_EQ(runs.size(), 1u);
-  std::wstring sent = RequestLine(runs[0], 6);
-  EXPECT_NE(sent, L"old");
-  EXPECT_EQ(profile::GetUserProfile(L"random"), sent);
-  EXPECT_EQ(CountFolders(TempRoot()), 0u);
-}
-
-TEST_F(UpdateRandom, FourBusyAnswersStoreNothing) {
-  install_.SetScenario(EngineScenario().On(5).Info(-416));
-  profile::UpdateUserProfile(L"random", L"old");
-  EXPECT_EQ(clsAPI_Interface().API_UPDATE_RAND_NUM(), -416);
-  EXPECT_EQ(install_.Journal().size(), 4u);
-  EXPECT_TRUE(clock_.pauses().empty());
-  EXPECT_EQ(profile::GetUserProfile(L"random"), L"old");
+  for (const auto& [code, runs] : {std::pair{-401, 1u}, {-416, 4u}}) {
+    SCOPED_TRACE(code);
+    fs::remove(install_.path() / "engine-journal.txt");
+    install_.SetScenario(EngineScenario().On(5).Info(code));
+    profile::UpdateUserProfile(L"random", L"old");
+    EXPECT_EQ(clsAPI_Interface().API_UPDATE_RAND_NUM(), code);
+    auto journal = install_.Journal();
+    ASSERT_EQ(journal.size(), runs);
+    const std::wstring sent = RequestLine(journal[0], 6);
+    EXPECT_NE(sent, L"old");
+    EXPECT_EQ(profile::GetUserProfile(L"random"), code == -416 ? L"old" : sent);
+    EXPECT_TRUE(clock_.pauses().empty());
+    EXPECT_EQ(ExchangeFoldersLeft(), 0u);
+  }
 }
 
 using Entry = SessionTest;

@@ -35,6 +35,14 @@ std::wstring SessionTest::CallerFolder(const std::wstring& name) {
   return folder;
 }
 
+std::size_t SessionTest::ExchangeFoldersLeft() const {
+  std::error_code ignored;
+  const std::filesystem::path root = platform::ToFsPath(TempRoot());
+  if (!std::filesystem::is_directory(root, ignored)) return 0;
+  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(root),
+                                                std::filesystem::directory_iterator()));
+}
+
 std::string SessionTest::TraceText() const {
   return ReadFileBytes(install_.path() / "Log" / "TavrinETestUI.txt");
 }

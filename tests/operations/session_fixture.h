@@ -24,6 +24,8 @@ class SessionTest : public ::testing::Test {
   std::wstring TempRoot() const;
   // A caller-made exchange folder, as the shell side makes it.
   std::wstring CallerFolder(const std::wstring& name);
+  // Folders under TempRoot(); 0 when it is not there.
+  std::size_t ExchangeFoldersLeft() const;
   std::string TraceText() const;
 
   EngineInstall install_;

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <string>
-#include <thread>
 
 #include "foundation/settings.h"
 #include "operations/c_restore.h"
@@ -17,29 +15,7 @@
 namespace tavrine::testing {
 namespace {
 
-std::string Utf16Lines(const std::vector<std::wstring>& lines) {
-  std::string bytes = "\xFF\xFE";
-  for (const std::wstring& line : lines) {
-    for (wchar_t c : line + L"\r\n") {
-      bytes += static_cast<char>(c & 0xFF);
-      bytes += static_cast<char>((c >> 8) & 0xFF);
-    }
-  }
-  return bytes;
-}
-
-class RestoreTest : public SessionTest {
- protected:
-  // The restore run is not waited for by the library; the test waits for its journal line.
-  std::vector<EngineRun> WaitForRuns(std::size_t count) {
-    for (int i = 0; i < 200; ++i) {
-      auto runs = install_.Journal();
-      if (runs.size() >= count) return runs;
-      std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-    return install_.Journal();
-  }
-};
+using RestoreTest = SessionTest;
 
 TEST_F(RestoreTest, RequestFilesPerHostCount) {
   struct Case {
@@ -70,10 +46,12 @@ TEST_F(RestoreTest, RequestFilesPerHostCount) {
     clock_.ClearPauses();
 
     EXPECT_NE(operations::CRestore().W_Restore(c.dest, c.parent, folder), -1);
-    auto runs = WaitForRuns(before + 1);
-    ASSERT_EQ(runs.size(), before + 1);
+    // The library does not wait for the restore run; the test waits for its journal line.
+    ASSERT_TRUE(WaitUntil([&] { return install_.Journal().size() == before + 1; }));
+    auto runs = install_.Journal();
     EXPECT_EQ(runs.back().code, 123);
-    EXPECT_EQ(runs.back().restdestdir, Utf16Lines({L"0", L"4", c.line3, c.line4})) << c.parent;
+    const std::wstring dest_lines = L"0\r\n4\r\n" + c.line3 + L"\r\n" + c.line4 + L"\r\n";
+    EXPECT_EQ(runs.back().restdestdir, Utf16LeFile(dest_lines)) << c.parent;
     EXPECT_EQ(platform::ReadIniString(L"MPC", L"Hosts", mpc), c.hosts) << c.host_count;
     EXPECT_EQ(platform::ReadIniString(L"MPC", L"HostCount", mpc), L"1");
     EXPECT_EQ(foundation::CurrentSettings().multiple_pc, c.multiple);
