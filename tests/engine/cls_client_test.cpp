@@ -34,7 +34,6 @@ class ClsClientTest : public ::testing::Test {
   std::string Request() const {
     return ReadFileBytes(platform::ToFsPath(folder_) / "DLLInput.txt");
   }
-  static std::string Lines(const std::wstring& text) { return Utf16LeFile(text); }
   static void SetProfile(std::initializer_list<std::pair<const wchar_t*, const wchar_t*>> values) {
     for (const auto& [name, value] : values) profile::UpdateUserProfile(name, value);
   }
@@ -47,6 +46,7 @@ class ClsClientTest : public ::testing::Test {
 // Server lines, shifted credentials (abc -> cde, empty stays empty, ~ -> the
 // code-page character 0x80), the random number, then the proxy block.
 constexpr const wchar_t* kHead = L"10.1.2.3\r\n8443\r\ncde\r\n\r\nz\u20AC\r\nR1\r\n";
+const std::wstring kNoProxy = L"0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n";
 
 ProxyBlock SampleProxy() {
   ProxyBlock proxy;
@@ -60,17 +60,15 @@ ProxyBlock SampleProxy() {
   return proxy;
 }
 
-TEST_F(ClsClientTest, TwelveLineRequestByteForByteReplacingAnEarlierOne) {
+// Twelve lines, or fifteen with the backup set's numbers after the random;
+// an earlier, longer request is replaced whole.
+TEST_F(ClsClientTest, RequestsByteForByte) {
   testing::WriteFileBytes(platform::ToFsPath(folder_) / "DLLInput.txt", std::string(5000, 'x'));
+  const std::wstring proxy = L"1\r\n2\r\nproxy.lan\r\n3128\r\npu\r\npp\r\n";
   client_.WriteDLLInputFileTempFd(folder_, SampleProxy());
-  EXPECT_EQ(Request(), Lines(std::wstring(kHead) + L"1\r\n2\r\nproxy.lan\r\n3128\r\npu\r\npp\r\n"));
-}
-
-TEST_F(ClsClientTest, FifteenLineBackupSetRequestPutsNumbersAfterTheRandom) {
+  EXPECT_EQ(Request(), Utf16LeFile(kHead + proxy));
   client_.WriteDLLInputFileBackupSetTempFd(folder_, -3, 70000, -2147483647 - 1, SampleProxy());
-  EXPECT_EQ(Request(), Lines(std::wstring(kHead) +
-                             L"-3\r\n70000\r\n-2147483648\r\n1\r\n2\r\nproxy.lan\r\n3128\r\n"
-                             L"pu\r\npp\r\n"));
+  EXPECT_EQ(Request(), Utf16LeFile(kHead + (L"-3\r\n70000\r\n-2147483648\r\n" + proxy)));
 }
 
 TEST_F(ClsClientTest, VersionRequestDropsTheComputerOnlyWithSeveralComputers) {
@@ -89,8 +87,7 @@ TEST_F(ClsClientTest, VersionRequestDropsTheComputerOnlyWithSeveralComputers) {
                               std::string("[MPC]\r\nHostCount=") + c.host_count + "\r\n");
     }
     client_.WriteDLLInputVersionFile(folder_, ProxyArguments({}, L"R1"), L"HOMEPC\\C\\Docs\\a.txt");
-    EXPECT_EQ(Request(), Lines(std::wstring(kHead) + L"0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n" +
-                               c.line13 + L"\r\n"))
+    EXPECT_EQ(Request(), Utf16LeFile(kHead + (kNoProxy + c.line13 + L"\r\n")))
         << (c.host_count ? c.host_count : "none");
     EXPECT_EQ(foundation::CurrentSettings().multiple_pc, c.host_count != nullptr);
   }
@@ -115,7 +112,7 @@ TEST_F(ClsClientTest, CacheFallsBackToOlderProfileValues) {
               {L"port", L""}, {L"OutPort", L"21"}});
   client_.LoadConfigurations();
   client_.WriteDLLInputFileTempFd(folder_, ProxyArguments({}, L"R1"));
-  EXPECT_EQ(Request(), Lines(L"9.9.9.9\r\n21\r\ncde\r\n\r\nqnf\r\nR1\r\n0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n"));
+  EXPECT_EQ(Request(), Utf16LeFile(L"9.9.9.9\r\n21\r\ncde\r\n\r\nqnf\r\nR1\r\n" + kNoProxy));
 }
 
 // Whatever the result files hold, the value stays a number and the description a line.
@@ -140,9 +137,7 @@ TEST_F(ClsClientTest, ResultFilesAreReadInTheirOrder) {
       {"a megabyte-long description", {}, "-12009\r\n" + megabyte + "\r\n", false, -12009,
        std::wstring(1 << 20, L'7')},
       {"NUL inside the number", std::string("40\0" "2\r\n", 5), {}, true, 7, L"keep"},
-      {"NUL only", std::string("\0\0\0", 3), {}, true, 7, L"keep"},
       {"overflowing number", "-99999999999999999999999\r\n", {}, true, -99999999999999999999999.0, L"keep"},
-      {"exponent past double", "1e999999\r\n", {}, true, 7, L"keep"},
       {"hex and words", "0x1F\r\n", "inf\r\nnan\r\n", true, 7, L"keep"},
       {"UTF-16 where ANSI is read", "\xFF\xFE" "4\0" "0\0" "2\0", {}, true, 7, L"keep"},
   };

@@ -13,20 +13,14 @@ namespace tavrine::engine {
 namespace {
 
 using testing::EngineInstall;
-using testing::EngineInstallOptions;
 using testing::EngineScenario;
 
 class EngineRunTest : public ::testing::Test {
  protected:
-  EngineRunTest() : install_(Options()) {
+  EngineRunTest() : install_({.folder_name = L"install d\u00efr"}) {
     folder_ = install_.folder() + platform::kPathSeparator + L"ex \u00e9t\u00e9";
     std::filesystem::create_directories(platform::ToFsPath(folder_));
     foundation::CurrentSettings().engine_timeout_seconds = 30;
-  }
-  static EngineInstallOptions Options() {
-    EngineInstallOptions options;
-    options.folder_name = L"install d\u00efr";
-    return options;
   }
   EngineInstall install_;
   std::wstring folder_;
