@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "foundation/trace_log.h"
 #include "platform/code_page.h"
 #include "platform/path.h"
 #include "support/install_folder.h"
@@ -19,15 +20,6 @@ constexpr const char* kCompleteProductInfo =
     "ProductNumber=7\r\nProductName=Acme\r\nProductInstallationName=AcmeInst\r\n"
     "ProductTreeViewName=Acme Tree\r\nLanguage=German\r\nProductCaption=Acme Backup\r\n"
     "ExeGroup=Acme\r\n";
-
-TEST(LoadConfigurations, MissingFileLeavesEveryGlobalAlone) {
-  InstallFolder install;
-  CurrentSettings().product_name = L"Earlier";
-  CurrentSettings().caption = L"Earlier caption";
-  EXPECT_FALSE(LoadConfigurations());
-  EXPECT_EQ(CurrentSettings().product_name, L"Earlier");
-  EXPECT_EQ(CurrentSettings().caption, L"Earlier caption");
-}
 
 TEST(LoadConfigurations, CompleteFileFillsGlobalsAndDerivedTitles) {
   InstallFolder install;
@@ -56,27 +48,21 @@ TEST(LoadConfigurations, CompleteFileFillsGlobalsAndDerivedTitles) {
   EXPECT_EQ(s.engine_timeout_seconds, kDefaultEngineTimeoutSeconds);
 }
 
-struct ValidityCase {
-  const char* name;
-  std::string ini;
-  bool valid;
-  const wchar_t* caption;
-};
-
 TEST(LoadConfigurations, ValidityRules) {
-  const ValidityCase cases[] = {
+  const std::string names = "ProductInstallationName=I\r\nProductTreeViewName=T\r\n";
+  const struct {
+    const char* name;
+    std::string ini;
+    bool valid;
+    const wchar_t* caption;
+  } cases[] = {
       {"Tavrin needs no caption",
-       Config("ProductNumber=1\r\nProductName=Tavrin\r\nProductInstallationName=I\r\n"
-              "ProductTreeViewName=T\r\nProductCaption=Ignored\r\n"),
+       Config("ProductNumber=1\r\nProductName=Tavrin\r\nProductCaption=Ignored\r\n" + names),
        true, L"Tavrin"},
-      {"other names need a caption",
-       Config("ProductNumber=1\r\nProductName=Other\r\nProductInstallationName=I\r\n"
-              "ProductTreeViewName=T\r\n"),
+      {"other names need a caption", Config("ProductNumber=1\r\nProductName=Other\r\n" + names),
        false, L""},
-      {"product number 0",
-       Config("ProductNumber=0\r\nProductName=Tavrin\r\nProductInstallationName=I\r\n"
-              "ProductTreeViewName=T\r\n"),
-       false, L"Tavrin"},
+      {"product number 0", Config("ProductNumber=0\r\nProductName=Tavrin\r\n" + names), false,
+       L"Tavrin"},
       {"missing tree-view name",
        Config("ProductNumber=3\r\nProductName=Tavrin\r\nProductInstallationName=I\r\n"), false,
        L"Tavrin"},
@@ -97,25 +83,28 @@ TEST(LoadConfigurations, ValidityRules) {
   }
 }
 
-TEST(LoadConfigurations, NonNumericProductNumberKeepsTheEarlierOne) {
+TEST(LoadConfigurations, WhatCannotBeReadKeepsTheEarlierGlobals) {
   InstallFolder install;
+  CurrentSettings().product_name = L"Earlier";
+  CurrentSettings().caption = L"Earlier caption";
   CurrentSettings().product_number = 9;
+  EXPECT_FALSE(LoadConfigurations());  // no file at all
+  EXPECT_EQ(CurrentSettings().product_name, L"Earlier");
+  EXPECT_EQ(CurrentSettings().caption, L"Earlier caption");
   install.WriteConfiguration(Config("ProductNumber=seven\r\nProductName=Tavrin\r\n"
                                     "ProductInstallationName=I\r\nProductTreeViewName=T\r\n"));
   EXPECT_TRUE(LoadConfigurations());
   EXPECT_EQ(CurrentSettings().product_number, 9);
 }
 
-TEST(LoadConfigurations, EngineTimeoutIsConfigurable) {
+TEST(LoadConfigurations, EngineTimeoutIsConfigurableWhenPositive) {
   InstallFolder install;
-  install.WriteConfiguration(
-      Config(kCompleteProductInfo, "[ConnectionInfo]\r\nEngineTimeoutSeconds=5\r\n"));
-  LoadConfigurations();
-  EXPECT_EQ(CurrentSettings().engine_timeout_seconds, 5u);
-  install.WriteConfiguration(
-      Config(kCompleteProductInfo, "[ConnectionInfo]\r\nEngineTimeoutSeconds=-3\r\n"));
-  LoadConfigurations();
-  EXPECT_EQ(CurrentSettings().engine_timeout_seconds, kDefaultEngineTimeoutSeconds);
+  for (auto [text, seconds] : {std::pair{"5", 5u}, {"-3", kDefaultEngineTimeoutSeconds}}) {
+    const std::string line = std::string("EngineTimeoutSeconds=") + text + "\r\n";
+    install.WriteConfiguration(Config(kCompleteProductInfo, "[ConnectionInfo]\r\n" + line));
+    LoadConfigurations();
+    EXPECT_EQ(CurrentSettings().engine_timeout_seconds, seconds) << text;
+  }
 }
 
 TEST(ComputeWorkRoot, FollowsVirtualPathAndEndsInASeparator) {
@@ -126,6 +115,10 @@ TEST(ComputeWorkRoot, FollowsVirtualPathAndEndsInASeparator) {
   install.WriteUserNameIni("[Registry]\r\nVirtualPath=  " +
                            platform::WideToAnsi(install.wpath() + sep + L"vroot") + "  \r\n");
   EXPECT_EQ(ComputeWorkRoot(), install.wpath() + sep + L"vroot" + sep);
+  // The trace follows the work root.
+  std::filesystem::create_directories(install.path() / "vroot");
+  Trace(L"x");
+  EXPECT_FALSE(testing::ReadFileBytes(install.path() / "vroot" / "Log" / "UI.txt").empty());
 
   install.WriteUserNameIni("[Registry]\r\nVirtualPath=" +
                            platform::WideToAnsi(install.wpath() + sep + L"v2" + sep) + "\r\n");

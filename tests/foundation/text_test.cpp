@@ -4,7 +4,6 @@
 
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
-#include "foundation/time_format.h"
 #include "foundation/tokenizer.h"
 #include "support/temp_folder.h"
 
@@ -89,13 +88,6 @@ TEST(TextUtil, LeadingNumberReadsThePrefixOrZero) {
   // A megabyte of digits is read from its start, not scanned again and again.
   EXPECT_GT(LeadingNumber(std::wstring(1 << 20, L'9')), 1e200);
   EXPECT_EQ(LeadingNumber(std::wstring(1 << 20, L'9')), LeadingNumber(std::wstring(256, L'9')));
-}
-
-TEST(TimeFormat, TraceStampAndExchangeFolderName) {
-  platform::LocalTime t{2011, 7, 4, 8, 5, 9, 7};
-  EXPECT_EQ(FormatTraceTimestamp(t), L"07-04-2011 08:05:09");
-  EXPECT_EQ(FormatExchangeFolderName(t), L"8_05_09_007");
-  EXPECT_EQ(FormatExchangeFolderName({2011, 7, 4, 23, 59, 58, 999}), L"23_59_58_999");
 }
 
 TEST(StringTokenizer, YieldsEmptyTokensBetweenSeparators) {

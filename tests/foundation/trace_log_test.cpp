@@ -5,7 +5,6 @@
 #include <stdexcept>
 
 #include "foundation/settings.h"
-#include "platform/code_page.h"
 #include "platform/path.h"
 #include "support/install_folder.h"
 
@@ -40,7 +39,6 @@ TEST(Trace, InstallationNameIsReadAfreshOnEveryWriteAndItsFoldersAreMade) {
   } rows[] = {
       {"Other", "OtherUI.txt"},
       {"Brand" + sep + "Sub", std::filesystem::path("Brand") / "SubUI.txt"},
-      {"A" + sep + "B" + sep + "C", std::filesystem::path("A") / "B" / "CUI.txt"},
   };
   for (const auto& row : rows) {
     InstallFolder install;
@@ -50,16 +48,6 @@ TEST(Trace, InstallationNameIsReadAfreshOnEveryWriteAndItsFoldersAreMade) {
     Trace(L"x");
     EXPECT_FALSE(ReadFileBytes(install.path() / "Log" / row.file).empty()) << row.name;
   }
-}
-
-TEST(Trace, FollowsTheVirtualPathWorkRoot) {
-  InstallFolder install;
-  std::filesystem::create_directories(install.path() / "root");
-  install.WriteUserNameIni("[Registry]\r\nVirtualPath=" +
-                           platform::WideToAnsi(platform::FromFsPath(install.path() / "root")) +
-                           "\r\n");
-  Trace(L"x");
-  EXPECT_FALSE(ReadFileBytes(install.path() / "root" / "Log" / "UI.txt").empty());
 }
 
 TEST(Trace, ExceptionLinesCarryTheirPrefixes) {
