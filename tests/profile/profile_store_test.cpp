@@ -102,7 +102,7 @@ TEST_F(FreshStore, SwitchingTheCurrentUserSwitchesEveryValueAndDeletingForgetsIt
   EXPECT_EQ(store_.Users(), std::vector<std::wstring>{L"bob"});
 }
 
-TEST_F(FreshStore, WithoutASafeCurrentUserNothingIsReadOrWritten) {
+TEST_F(FreshStore, WithoutASafeCurrentUserNothingIsReadOrWrittenAndRefusedNamesNeverBecomeKeys) {
   EXPECT_EQ(store_.CurrentUser(), L"");  // no store_ file or key yet
   EXPECT_TRUE(store_.Users().empty());
   ASSERT_TRUE(store_.UpdateForUser(L"alice", L"username", L"alice"));
@@ -110,8 +110,16 @@ TEST_F(FreshStore, WithoutASafeCurrentUserNothingIsReadOrWritten) {
   EXPECT_FALSE(store_.Update(L"username", L"stray"));
   EXPECT_TRUE(store_.registry().ListValues(store_.root_key()).empty());
   EXPECT_EQ(store_.GetForUser(L"alice", L"username"), L"alice");
-  // Clearing the current user ends writes again.
   ASSERT_TRUE(store_.SetCurrentUser(L"alice"));
+  for (const wchar_t* name : {L"..", L"a\\b", L"../x", L"CON", L"x:y"}) {
+    EXPECT_FALSE(store_.SetCurrentUser(name)) << ::testing::PrintToString(name);
+    EXPECT_FALSE(store_.SetDefaultUser(name));
+    EXPECT_FALSE(store_.UpdateForUser(name, L"username", L"x"));
+    EXPECT_EQ(store_.GetForUser(name, L"username"), L"");
+  }
+  EXPECT_EQ(store_.CurrentUser(), L"alice");
+  EXPECT_EQ(store_.registry().ListSubkeys(store_.root_key()), std::vector<std::wstring>{L"alice"});
+  // Clearing the current user ends writes again.
   ASSERT_TRUE(store_.SetCurrentUser(L""));
   EXPECT_FALSE(store_.Update(L"username", L"stray"));
   EXPECT_EQ(store_.GetForUser(L"alice", L"username"), L"alice");
@@ -121,18 +129,6 @@ TEST_F(FreshStore, WithoutASafeCurrentUserNothingIsReadOrWritten) {
   EXPECT_EQ(store_.CurrentUser(), L"");
   EXPECT_EQ(store_.Get(L"username"), L"");
   EXPECT_FALSE(store_.Update(L"username", L"y"));
-}
-
-TEST_F(FreshStore, RefusedNamesNeverBecomeKeys) {
-  ASSERT_TRUE(store_.SetCurrentUser(L"alice"));
-  for (const wchar_t* name : {L"..", L"a\\b", L"../x", L"CON", L"x:y"}) {
-    EXPECT_FALSE(store_.SetCurrentUser(name)) << ::testing::PrintToString(name);
-    EXPECT_FALSE(store_.SetDefaultUser(name));
-    EXPECT_FALSE(store_.UpdateForUser(name, L"username", L"x"));
-    EXPECT_EQ(store_.GetForUser(name, L"username"), L"");
-  }
-  EXPECT_EQ(store_.CurrentUser(), L"alice");
-  EXPECT_TRUE(store_.registry().ListSubkeys(store_.root_key()).empty());
 }
 
 // Refuses every write, so the failure paths can be seen.

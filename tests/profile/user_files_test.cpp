@@ -14,7 +14,7 @@ namespace {
 using testing::ReadFileBytes;
 using testing::WriteFileBytes;
 
-TEST(UserNameIni, RandomNumberIsKeptPerInstallationUnderItsOwnKeyAndNotWithoutOne) {
+TEST(UserNameIni, RandomNumberPerInstallationVirtualPathAndUserNameRoundTrip) {
   {
     testing::InstallFolder install;
     EXPECT_FALSE(WriteStoredRandomNumber(L"1"));
@@ -22,25 +22,22 @@ TEST(UserNameIni, RandomNumberIsKeptPerInstallationUnderItsOwnKeyAndNotWithoutOn
     EXPECT_EQ(ReadFileBytes(install.path() / "UserName.ini"), "");
   }
   ProfileFixture fixture;
+  // Each value is written beside the other keys.
+  fixture.install().WriteUserNameIni("[Registry]\r\nUserName=  HOMEPC  \r\nOther=kept\r\n");
+  EXPECT_EQ(ReadUserNameIniUserName(), L"HOMEPC");
+  ASSERT_TRUE(WriteVirtualPath(fixture.install().wpath()));
+  ASSERT_TRUE(WriteUserNameIniUserName(L"OFFICE"));
   ASSERT_TRUE(WriteStoredRandomNumber(L"12725534099"));
+  EXPECT_EQ(ReadVirtualPath(), fixture.install().wpath());
+  EXPECT_EQ(ReadUserNameIniUserName(), L"OFFICE");
   EXPECT_EQ(ReadStoredRandomNumber(), L"12725534099");
   EXPECT_EQ(platform::ReadIniString(L"Registry",
                                     fixture.installation() + L" client system random number",
                                     foundation::UserNameIniPath()),
             L"12725534099");
+  EXPECT_EQ(platform::ReadIniString(L"Registry", L"Other", foundation::UserNameIniPath()), L"kept");
   foundation::CurrentSettings().installation_name = fixture.OtherInstallation();
   EXPECT_EQ(ReadStoredRandomNumber(), L"");
-}
-
-TEST(UserNameIni, VirtualPathAndUserNameRoundTripBesideOtherKeys) {
-  ProfileFixture fixture;
-  fixture.install().WriteUserNameIni("[Registry]\r\nUserName=  HOMEPC  \r\nOther=kept\r\n");
-  EXPECT_EQ(ReadUserNameIniUserName(), L"HOMEPC");
-  ASSERT_TRUE(WriteVirtualPath(fixture.install().wpath()));
-  ASSERT_TRUE(WriteUserNameIniUserName(L"OFFICE"));
-  EXPECT_EQ(ReadVirtualPath(), fixture.install().wpath());
-  EXPECT_EQ(ReadUserNameIniUserName(), L"OFFICE");
-  EXPECT_EQ(platform::ReadIniString(L"Registry", L"Other", foundation::UserNameIniPath()), L"kept");
 }
 
 TEST(UserList, AddsOnceWhateverTheCaseAndKeepsTheOrderButNeverARefusedName) {
