@@ -25,14 +25,15 @@ class ProxyTest : public ::testing::Test {
   testing::InstallFolder install_;
   std::unique_ptr<platform::Registry> registry_;
   testing::FakeProxyView view_;
-  std::map<std::wstring, std::wstring> written_;
+  using Written = std::map<std::wstring, std::wstring>;
+  Written written_;
 };
 
 // Every value of a complete apply: LoginTest.AProxySetBeforeTheFirstLoginIsUsedAndSavedWithTheAccount.
 TEST_F(ProxyTest, EnabledWithoutAddressWritesOnlyTheFlag) {
   view_.address.clear();
   EXPECT_FALSE(Presenter().OnApply());
-  EXPECT_EQ(written_, (std::map<std::wstring, std::wstring>{{L"Proxyset", L"1"}}));
+  EXPECT_EQ(written_, (Written{{L"Proxyset", L"1"}}));
   ASSERT_EQ(install_.ui().boxes().size(), 1u);
   EXPECT_EQ(install_.ui().boxes()[0].text, L"Enter the proxy address.");
   EXPECT_EQ(install_.ui().boxes()[0].style, platform::kMbIconStop);
@@ -42,11 +43,9 @@ TEST_F(ProxyTest, EnabledWithoutAddressWritesOnlyTheFlag) {
 TEST_F(ProxyTest, AuthenticationWithoutUserNameStopsAfterTheAddress) {
   view_.auth = true;
   EXPECT_FALSE(Presenter().OnApply());
-  EXPECT_EQ(written_.count(L"ProxyName"), 1u);
-  EXPECT_EQ(written_.count(L"ProxyPort"), 1u);
-  EXPECT_EQ(written_.count(L"proxytypehttp"), 1u);
-  EXPECT_EQ(written_.count(L"ProxyUser"), 0u);
-  EXPECT_EQ(written_.count(L"ProxyPass"), 0u);
+  EXPECT_EQ(written_, (Written{{L"Proxyset", L"1"}, {L"proxytypehttp", L"1"}, {L"proxytypesocks", L"0"},
+                               {L"ProxyName", L"proxy.local"}, {L"ProxyPort", L"8080"},
+                               {L"ProxyAuthOn", L"1"}}));
   EXPECT_EQ(install_.ui().boxes().at(0).text, L"Enter the proxy authentication username");
   EXPECT_EQ(view_.focus, L"user");
 }
