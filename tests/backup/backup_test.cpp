@@ -4,10 +4,8 @@
 #include <thread>
 
 #include "backup/backup_fixture.h"
-#include "engine/engine_run.h"
 #include "operations/c_backup.h"
-#include "platform/module_folder.h"
-#include "platform/services.h"
+#include "platform/process.h"
 
 namespace tavrine::operations {
 namespace {

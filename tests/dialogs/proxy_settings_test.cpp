@@ -6,7 +6,6 @@
 
 #include "fake_views.h"
 #include "foundation/settings.h"
-#include "platform/path.h"
 #include "support/install_folder.h"
 
 namespace tavrine::dialogs {

@@ -3,7 +3,6 @@
 #include <fstream>
 
 #include "dialogs/dialog_host.h"
-#include "foundation/settings.h"
 #include "operations/ui_commands.h"
 #include "support/install_folder.h"
 
