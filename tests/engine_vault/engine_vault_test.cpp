@@ -158,7 +158,9 @@ TEST_F(Vault, VersionsOfAFile) {
     std::string text;
     EXPECT_EQ(AskVersions(row.remote, &text).code, row.code);
     EXPECT_EQ(static_cast<std::size_t>(Bars(text)), row.versions);
-    if (row.versions == 0 || row.text) EXPECT_EQ(text, row.versions ? row.text : "0\r\n");
+    if (row.text || row.versions == 0) {
+      EXPECT_EQ(text, row.text ? row.text : "0\r\n");
+    }
   }
 }
 

@@ -15,21 +15,6 @@ namespace tavrine::testing {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-VaultAnswer ReadAnswer(engine::clsClient& client, const fs::path& folder) {
-  VaultAnswer answer;
-  std::wstring description;
-  double value = 0;
-  const std::wstring text = platform::FromFsPath(folder);
-  client.ReadDLLOutputFileTempFd(text, answer.has_output, description, value);
-  answer.code = static_cast<long long>(value);
-  answer.folder = folder;
-  return answer;
-}
-
-}  // namespace
-
 void VaultTest::SetUp() {
   foundation::CurrentSettings() = foundation::Settings{};
   ResetProfileStore();
@@ -58,24 +43,29 @@ fs::path VaultTest::Exchange(const std::string& name) {
   return folder;
 }
 
-void VaultTest::RunEngine(int code, const fs::path& folder) {
-  EXPECT_EQ(install_.Run(engine::EngineParameters(code, platform::FromFsPath(folder))),
-            platform::WaitOutcome::kExited);
-}
-
 VaultAnswer VaultTest::Ask(int code, const fs::path& folder, const std::wstring& random) {
   client_.WriteDLLInputFileTempFd(platform::FromFsPath(folder), engine::ProxyArguments({}, random));
-  RunEngine(code, folder);
-  return ReadAnswer(client_, folder);
+  return Answer(code, folder);
+}
+
+VaultAnswer VaultTest::Answer(int code, const fs::path& folder) {
+  const std::wstring text = platform::FromFsPath(folder);
+  EXPECT_EQ(install_.Run(engine::EngineParameters(code, text)), platform::WaitOutcome::kExited);
+  VaultAnswer answer{false, 0, folder};
+  std::wstring description;
+  double value = 0;
+  client_.ReadDLLOutputFileTempFd(text, answer.has_output, description, value);
+  answer.code = static_cast<long long>(value);
+  return answer;
 }
 
 VaultAnswer VaultTest::AskVersions(const std::wstring& remote, std::string* versions) {
   const fs::path folder = Exchange("H_versions");
   client_.WriteDLLInputVersionFile(platform::FromFsPath(folder),
                                    engine::ProxyArguments({}, L"MACHINECODEREADONLY"), remote);
-  RunEngine(113, folder);
+  VaultAnswer answer = Answer(113, folder);
   if (versions) *versions = ReadFileBytes(folder / "BackupVersion.txt");
-  return ReadAnswer(client_, folder);
+  return answer;
 }
 
 VaultAnswer VaultTest::Restore(const fs::path& destination, const std::wstring& parent,

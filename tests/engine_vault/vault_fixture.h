@@ -29,8 +29,8 @@ class VaultTest : public ::testing::Test {
   void LogIn(const std::wstring& user, const std::wstring& password, const std::wstring& key = L"");
   // A fresh exchange folder below the user folder's Temp.
   std::filesystem::path Exchange(const std::string& name);
-  // Runs the engine with `code` on `folder` and waits for it to end.
-  void RunEngine(int code, const std::filesystem::path& folder);
+  // Runs the engine with `code` on `folder`, waits for it to end and reads the result.
+  VaultAnswer Answer(int code, const std::filesystem::path& folder);
   // Writes the 12-line request carrying `random`, runs the engine, reads the result.
   VaultAnswer Ask(int code, const std::filesystem::path& folder,
                   const std::wstring& random = L"MACHINECODEREADONLY");
