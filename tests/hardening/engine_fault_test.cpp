@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <optional>
 
 #include "backup/compare_harness.h"
@@ -29,13 +30,6 @@ const char* const kFaultNames[] = {"crash before writing", "crash halfway throug
 constexpr char kListing[] = "\xFF\xFE" "C\0:\0\\\0a\0/\0" "1\0/\0" "1\0/\0" "x\0/\0" "U\0\r\0\n\0";
 constexpr char kVersions[] = "1/01-31-2011 13:05:09/01-30-2011 10:00:00/100|2/02-01-2011 08:00:00/01-30-2011 10:00:00/120|\r\n";
 
-class EngineFaults : public HardeningSession {
- public:
-  using HardeningSession::CallerFolder;
-  using HardeningSession::DeleteList;
-  fs::path UserListing() const { return platform::ToFsPath(UserFolder()) / "Backupfile.txt"; }
-};
-
 // One engine round trip: its code and good answer (with the data file a
 // halfway crash cuts), the call, and what the call gives when the engine
 // fails it. An unreadable code reads as 0, which some calls take as success.
@@ -45,41 +39,44 @@ struct Operation {
   long long answer;
   const char* data_file;  // nullptr: the answer is the code alone
   std::string data;
-  long long (*call)(EngineFaults&);
+  std::function<long long()> call;
   long long good_result;
   long long fault_result;
   long long garbage_result;
 };
 
-std::vector<Operation> Operations() {
-  using Api = operations::clsAPI_Interface;
-  return {
-      {"API_GetQuota", 114, 402, "Quota.txt", "100\r\n200\r\n",
-       [](EngineFaults&) -> long long {
-         double max_size = 5, used = 5;
-         long long result = Api().API_GetQuota(max_size, used);
-         return result == 0 ? static_cast<long long>(used) : -100 + result;
-       }, 100, -1, -1},
-      {"API_REMOTE", 115, 0, "Backupfile.txt", {kListing, sizeof kListing - 1},
-       [](EngineFaults& t) -> long long { return Api().API_REMOTE(t.CallerFolder(L"list")); },
-       402, -1, -412},
-      {"API_AutoReconnect", 116, 402, "DLLOutput1.txt", "127.0.0.1\r\n443\r\n",
-       [](EngineFaults&) -> long long { return Api().API_AutoReconnect(); }, 402, 0, 0},
-      {"API_UPDATE_RAND_NUM", 5, 404, nullptr, "",
-       [](EngineFaults&) -> long long { return Api().API_UPDATE_RAND_NUM(); }, 404, 0, 0},
-      {"API_GETVERSIONS", 113, 402, "BackupVersion.txt", kVersions,
-       [](EngineFaults&) -> long long {
-         std::wstring folder;
-         return Api().API_GETVERSIONS(L"C:\\a.txt", folder);
-       }, 402, 0, 0},
-      {"API_DELETE_REMOTE_FILE", 6, 402, nullptr, "",
-       [](EngineFaults& t) -> long long { return Api().API_DELETE_REMOTE_FILE(t.DeleteList()); },
-       1, -1, 1},
-      // The listing it loads is the user's own file; the engine only refreshes it.
-      {"TavrinEInit", 122, 402, nullptr, "",
-       [](EngineFaults&) -> long long { return browsing::TavrinEenum().TavrinEInit(); }, 1, 0, 0},
-  };
-}
+class EngineFaults : public HardeningSession {
+ protected:
+  fs::path UserListing() const { return platform::ToFsPath(UserFolder()) / "Backupfile.txt"; }
+
+  std::vector<Operation> Operations() {
+    using Api = operations::clsAPI_Interface;
+    return {
+        {"API_GetQuota", 114, 402, "Quota.txt", "100\r\n200\r\n",
+         [] {
+           double max_size = 5, used = 5;
+           long long result = Api().API_GetQuota(max_size, used);
+           return result == 0 ? static_cast<long long>(used) : -100 + result;
+         }, 100, -1, -1},
+        {"API_REMOTE", 115, 0, "Backupfile.txt", {kListing, sizeof kListing - 1},
+         [this] { return Api().API_REMOTE(CallerFolder(L"list")); }, 402, -1, -412},
+        {"API_AutoReconnect", 116, 402, "DLLOutput1.txt", "127.0.0.1\r\n443\r\n",
+         [] { return Api().API_AutoReconnect(); }, 402, 0, 0},
+        {"API_UPDATE_RAND_NUM", 5, 404, nullptr, "", [] { return Api().API_UPDATE_RAND_NUM(); },
+         404, 0, 0},
+        {"API_GETVERSIONS", 113, 402, "BackupVersion.txt", kVersions,
+         [] {
+           std::wstring folder;
+           return Api().API_GETVERSIONS(L"C:\\a.txt", folder);
+         }, 402, 0, 0},
+        {"API_DELETE_REMOTE_FILE", 6, 402, nullptr, "",
+         [this] { return Api().API_DELETE_REMOTE_FILE(DeleteList()); }, 1, -1, 1},
+        // The listing it loads is the user's own file; the engine only refreshes it.
+        {"TavrinEInit", 122, 402, nullptr, "", [] { return browsing::TavrinEenum().TavrinEInit(); },
+         1, 0, 0},
+    };
+  }
+};
 
 // The operation's engine code answering with `fault`; nullopt: its good answer.
 EngineScenario ScenarioFor(const Operation& op, std::optional<Fault> fault) {
@@ -116,7 +113,7 @@ TEST_F(EngineFaults, EachOperationSurvivesEachFault) {
       Script(ScenarioFor(op, fault));
       NewTrace();
       auto started = std::chrono::steady_clock::now();
-      long long result = op.call(*this);
+      long long result = op.call();
       auto took = std::chrono::steady_clock::now() - started;
       std::string trace = NewTrace();
       // A halfway crash leaves a good code and a cut data file: what the cut
@@ -132,7 +129,7 @@ TEST_F(EngineFaults, EachOperationSurvivesEachFault) {
 
       Script(ScenarioFor(op, std::nullopt));
       WriteFileBytes(UserListing(), std::string(kListing, sizeof kListing - 1));
-      EXPECT_EQ(op.call(*this), op.good_result) << "the next good call";
+      EXPECT_EQ(op.call(), op.good_result) << "the next good call";
     }
   }
 }
