@@ -137,14 +137,11 @@ TEST_F(EnumTest, LocalRefreshReadsSeveralComputersPrefixedAndOnlyPlainNames) {
   for (std::string line; std::getline(trace, line);)
     if (std::size_t at = line.find("ReadMachineList :"); at != std::string::npos)
       machine_lines.push_back(line.substr(at));
-  std::vector<std::string> expected(
-      5, "ReadMachineList : a machine name that cannot be a folder name is left out\r");
-  for (const char* line : {"ReadMachineList :: Total Machine Count : 2\r",
-                           "ReadMachineList : Total Machine List : PC1;PC2;\r",
-                           "ReadMachineList :: Total Machine Count : 3\r",
-                           "ReadMachineList : Total Machine List : PC1;PC2;PC3;\r"})
-    expected.push_back(line);
-  EXPECT_EQ(machine_lines, expected);
+  const std::string out = "ReadMachineList : a machine name that cannot be a folder name is left out\r";
+  EXPECT_EQ(machine_lines, (std::vector<std::string>{
+      out, out, out, out, out, "ReadMachineList :: Total Machine Count : 2\r",
+      "ReadMachineList : Total Machine List : PC1;PC2;\r", "ReadMachineList :: Total Machine Count : 3\r",
+      "ReadMachineList : Total Machine List : PC1;PC2;PC3;\r"}));
 }
 
 TEST_F(EnumTest, MissingListingIsLoggedAndFindsNothing) {
