@@ -33,8 +33,9 @@ std::unique_ptr<Loaded> Load(const std::wstring& text, const std::wstring& machi
   return loaded;
 }
 
+constexpr std::uint64_t kJan31 = 129409527090000000ULL;  // 01-31-2011 13:05:09, ticks since 1601 UTC
+
 TEST(ListingDate, ConvertsWithoutTimeZoneShift) {
-  constexpr std::uint64_t kJan31 = 129409527090000000ULL;  // ticks since 1601-01-01 UTC
   const std::pair<const wchar_t*, std::uint64_t> good[] = {
       {L"01-31-2011 13:05:09", kJan31}, {L"01-01-1601 00:00:00", 0},
       {L"02-29-2012 23:59:59", 129750335990000000ULL},
@@ -235,13 +236,10 @@ TEST(ListingFind, AnswersOfTheRun) {
       L"D:\\Docs\\d.txt/1/7/01-31-2011 13:05:09/U\r\n";
   auto loaded = Load(text);
   const RemoteListing& listing = loaded->listing;
-  auto docs = Walk(listing, L"c:\\docs\\");
-  ASSERT_EQ(docs.size(), 2u);
-  EXPECT_EQ(docs[0].name, L"a.txt");
-  EXPECT_EQ(docs[0].size, 100);
-  EXPECT_EQ(docs[0].version, 2);
-  EXPECT_EQ(docs[1].name, L"sub\\b.txt");
-  EXPECT_EQ(docs[1].mode, L"X");
+  const std::uint32_t low = kJan31 & 0xFFFFFFFFu, high = kJan31 >> 32;
+  // The ordinary modes U and A are given as no mode.
+  EXPECT_EQ(Walk(listing, L"c:\\docs\\"), (std::vector<Found>{{1, L"a.txt", 100, 2, low, high, L""},
+                                                           {2, L"sub\\b.txt", 5, 1, low, high, L"X"}}));
   EXPECT_EQ(Walk(listing, L"C:\\Docs\\sub\\").size(), 1u);
   EXPECT_TRUE(Walk(listing, L"E:\\").empty());          // no such node
   EXPECT_TRUE(Walk(listing, L"C:\\Nothing\\").empty());  // node, no line
