@@ -112,10 +112,7 @@ TEST_F(CompareStep, CancelEndsTheWaitWithinASecondAndKillsOnlyThatProgram) {
   EXPECT_EQ(result, 401);
   EXPECT_LT(returned_at - marked_at, std::chrono::milliseconds(1500));
   // The cancelled program beats no more; the bystander still does.
-  auto size_of = [](const fs::path& file) {
-    std::error_code ignored;
-    return fs::file_size(file, ignored);
-  };
+  auto size_of = [](const fs::path& p) { std::error_code ignored; return fs::file_size(p, ignored); };
   fs::path own_beat = Folder() / "compare-heartbeat.txt";
   fs::path other_beat = platform::ToFsPath(other) / "compare-heartbeat.txt";
   auto own_before = size_of(own_beat), other_before = size_of(other_beat);

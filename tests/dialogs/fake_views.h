@@ -60,18 +60,17 @@ class FakeLoginView : public dialogs::LoginView {
   }
   std::intptr_t OpenWebPage(const std::wstring& address) override {
     opened_pages.push_back(address);
-    if (browser_answers.empty()) return 42;
-    std::intptr_t answer = browser_answers.front();
-    browser_answers.pop_front();
-    return answer;
+    return browser_answers.empty() ? 42 : Next(browser_answers);
   }
   void CloseDialog() override { closed = true; }
 
  private:
-  static dialogs::KeyChoice Next(std::deque<dialogs::KeyChoice>& answers) {
+  // The next scripted answer; past the script, a closed dialog.
+  template <class T>
+  static T Next(std::deque<T>& answers) {
     if (answers.empty()) return {};
-    dialogs::KeyChoice answer = answers.front();
-    if (answers.size() > 1) answers.pop_front();
+    T answer = answers.front();
+    answers.pop_front();
     return answer;
   }
 };
