@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "foundation/file_system.h"
 #include "foundation/settings.h"
 #include "platform/registry.h"
 #include "profile/profile_store.h"
@@ -44,13 +43,7 @@ class ProfileFixture {
   std::unique_ptr<platform::Registry> Registry() const {
     return platform::OpenCurrentUserRegistry(ProfileStoreFile());
   }
-  ProfileStore Store(const std::wstring& installation) const {
-    return ProfileStore(Registry(), installation);
-  }
-  ProfileStore Store() const { return Store(installation_); }
-
-  // True when the store lives in a file (POSIX); Windows keeps it in the registry.
-  bool FileBacked() const { return foundation::FileExists(ProfileStoreFile()); }
+  ProfileStore Store() const { return ProfileStore(Registry(), installation_); }
 
   testing::InstallFolder& install() { return install_; }
   const std::wstring& installation() const { return installation_; }

@@ -18,16 +18,13 @@ namespace fs = std::filesystem;
 class RegistrySeam : public ::testing::Test {
  protected:
   RegistrySeam()
-      : file_(FromFsPath(temp_.path() / "store.ini")),
-        key_(L"Software\\Brennick\\" + profile::ProfileFixture::FreshInstallationName()),
-        registry_(OpenCurrentUserRegistry(file_)) {}
+      : key_(L"Software\\Brennick\\" + profile::ProfileFixture::FreshInstallationName()),
+        registry_(OpenCurrentUserRegistry(FromFsPath(temp_.path() / "store.ini"))) {}
   ~RegistrySeam() override { registry_->DeleteKeyTree(key_); }
 
   std::wstring Key(const std::wstring& below) const { return key_ + L"\\" + below; }
-  bool FileBacked() const { return fs::exists(temp_.path() / "store.ini"); }
 
   testing::TempFolder temp_;
-  std::wstring file_;
   std::wstring key_;
   std::unique_ptr<Registry> registry_;
 };
@@ -106,8 +103,8 @@ TEST_F(RegistrySeam, DeletingAKeyTreeTakesItsSubkeysButNotSiblingsWithTheSamePre
 
 TEST_F(RegistrySeam, StoreFileIsPrivateReplacedWithoutLeftoversAndSurvivesDamage) {
   ASSERT_TRUE(registry_->WriteString(key_, L"good", L"kept"));
-  if (!FileBacked()) GTEST_SKIP() << "kept in the registry here";
-  fs::path file = temp_.path() / "store.ini";
+  const fs::path file = temp_.path() / "store.ini";
+  if (!fs::exists(file)) GTEST_SKIP() << "kept in the registry here";
   const std::string good = testing::ReadFileBytes(file);
   // Even a file someone widened is written back private.
   fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read |
