@@ -5,20 +5,121 @@
 #include <algorithm>
 #include <chrono>
 #include <cwctype>
+#include <fstream>
 #include <utility>
 
-#include "engine_vault/vault_fixture.h"
+#include "engine/cls_client.h"
+#include "engine/engine_run.h"
+#include "engine/proxy.h"
+#include "foundation/settings.h"
+#include "foundation/text_file.h"
 #include "operations/cls_api_interface.h"
-#include "support/fake_clock.h"
-#include "support/recording_ui.h"
+#include "platform/ini_file.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
+#include "support/engine_harness.h"
+#include "support/fake_clock.h"
+#include "support/install_folder.h"
+#include "support/recording_ui.h"
 #include "support/temp_folder.h"
 
 namespace tavrine::testing {
 namespace {
 
 namespace fs = std::filesystem;
+
+// What one engine run left in its exchange folder.
+struct VaultAnswer {
+  bool has_output = false;  // DLLOutput.txt was read (else DLLOutputInfo.txt or nothing)
+  long long code = 0;
+  fs::path folder;  // the exchange folder
+};
+
+// An install folder with the sample vault beside the engine (made by the
+// engine itself), and a logged-in profile whose requests the library's own
+// writer produces.
+class Vault : public ::testing::Test {
+ protected:
+  Vault() : install_(StandardEngineInstall()) {}
+  void SetUp() override {
+    foundation::CurrentSettings() = foundation::Settings{};
+    ResetProfileStore();
+    ASSERT_EQ(install_.Run(L"--make-sample-vault " + platform::FromFsPath(vault())),
+              platform::WaitOutcome::kExited);
+    ASSERT_TRUE(fs::exists(vault() / "vault.txt")) << "sample vault not made";
+  }
+  void TearDown() override { ResetProfileStore(); }
+
+  // The profile the library sends: user, password, encryption password.
+  void LogIn(const std::wstring& user, const std::wstring& password, const std::wstring& key = L"") {
+    profile::SetCurrentUserName(user);
+    profile::UpdateUserProfile(L"username", user);
+    profile::UpdateUserProfile(L"password", password);
+    profile::UpdateUserProfile(L"encpasswordnew", key);
+    profile::UpdateUserProfile(L"serverip", L"127.0.0.1");
+    profile::UpdateUserProfile(L"port", L"443");
+    client_.LoadConfigurations();
+  }
+  // A fresh exchange folder below the user folder's Temp.
+  fs::path Exchange(const std::string& name) {
+    fs::path folder = UserFolder() / "Temp" / (name + "_" + std::to_string(++folders_));
+    fs::create_directories(folder);
+    return folder;
+  }
+  // Runs the engine with `code` on `folder`, waits for it to end and reads the result.
+  VaultAnswer Answer(int code, const fs::path& folder) {
+    const std::wstring text = platform::FromFsPath(folder);
+    EXPECT_EQ(install_.Run(engine::EngineParameters(code, text)), platform::WaitOutcome::kExited);
+    VaultAnswer answer{false, 0, folder};
+    std::wstring description;
+    double value = 0;
+    client_.ReadDLLOutputFileTempFd(text, answer.has_output, description, value);
+    answer.code = static_cast<long long>(value);
+    return answer;
+  }
+  // Writes the 12-line request carrying `random`, runs the engine, reads the result.
+  VaultAnswer Ask(int code, const fs::path& folder,
+                  const std::wstring& random = L"MACHINECODEREADONLY") {
+    client_.WriteDLLInputFileTempFd(platform::FromFsPath(folder), engine::ProxyArguments({}, random));
+    return Answer(code, folder);
+  }
+  VaultAnswer Ask(int code) { return AskRandom(code, L"MACHINECODEREADONLY"); }
+  VaultAnswer AskRandom(int code, const std::wstring& random) {
+    return Ask(code, Exchange("H_" + std::to_string(code)), random);
+  }
+  // The 13-line versions request for a remote file; `versions` gets BackupVersion.txt.
+  VaultAnswer AskVersions(const std::wstring& remote, std::string& versions) {
+    const fs::path folder = Exchange("H_versions");
+    client_.WriteDLLInputVersionFile(platform::FromFsPath(folder),
+                                     engine::ProxyArguments({}, L"MACHINECODEREADONLY"), remote);
+    VaultAnswer answer = Answer(113, folder);
+    versions = ReadFileBytes(folder / "BackupVersion.txt");
+    return answer;
+  }
+  // A restore request (restdestdir.txt, and MPC.ini unless `hosts` is empty).
+  VaultAnswer Restore(const fs::path& destination, const std::wstring& parent,
+                      const std::wstring& hosts = L"") {
+    const fs::path folder = Exchange("H_restore");
+    foundation::WriteUtf16Lines(platform::FromFsPath(folder / "restdestdir.txt"),
+                                {L"0", L"4", platform::FromFsPath(destination), parent});
+    if (!hosts.empty()) {
+      const std::wstring mpc = platform::FromFsPath(folder / "MPC.ini");
+      platform::WriteIniString(L"MPC", L"Hosts", hosts, mpc);
+      platform::WriteIniString(L"MPC", L"HostCount", L"1", mpc);
+    }
+    return Ask(123, folder);
+  }
+  // Appends "key = value" lines (later lines win) to a vault file.
+  void AppendToVaultFile(const fs::path& relative, const std::string& lines) const {
+    std::ofstream(vault() / relative, std::ios::binary | std::ios::app) << lines;
+  }
+  fs::path vault() const { return install_.path() / "vault"; }
+  fs::path UserFolder() const { return platform::ToFsPath(client_.UserFolder()); }
+
+  EngineInstall install_;
+  engine::clsClient client_;
+  int folders_ = 0;
+};
 
 // Sample file contents: version n is n lines "<path> version n line i".
 std::string SampleText(const std::string& path, int version) {
@@ -34,8 +135,6 @@ std::wstring Lower(std::wstring text) {
   for (wchar_t& c : text) c = static_cast<wchar_t>(std::towlower(c));
   return text;
 }
-
-using Vault = VaultTest;
 
 // One request per row from the account the row logs in: the service's code
 // (successes in DLLOutput.txt, failures in DLLOutputInfo.txt) and the bytes
@@ -156,7 +255,7 @@ TEST_F(Vault, VersionsOfAFile) {
   for (const Row& row : rows) {
     SCOPED_TRACE(platform::WideToUtf8(row.remote));
     std::string text;
-    EXPECT_EQ(AskVersions(row.remote, &text).code, row.code);
+    EXPECT_EQ(AskVersions(row.remote, text).code, row.code);
     EXPECT_EQ(static_cast<std::size_t>(Bars(text)), row.versions);
     if (row.text || row.versions == 0) {
       EXPECT_EQ(text, row.text ? row.text : "0\r\n");
@@ -164,10 +263,10 @@ TEST_F(Vault, VersionsOfAFile) {
   }
 }
 
-class VaultRestore : public VaultTest {
+class VaultRestore : public Vault {
  protected:
   VaultAnswer Restore(const std::wstring& parent, const std::wstring& hosts) {
-    return VaultTest::Restore(destination_.path(), parent, hosts);
+    return Vault::Restore(destination_.path(), parent, hosts);
   }
   std::size_t FilesRestored() const {
     std::size_t count = 0;
@@ -236,10 +335,10 @@ TEST_F(Vault, RegistrationBindsTheRandomNumberToTheHomeComputer) {
             std::string::npos);
 }
 
-class VaultUpload : public VaultTest {
+class VaultUpload : public Vault {
  protected:
   void SetUp() override {
-    VaultTest::SetUp();
+    Vault::SetUp();
     LogIn(L"ben", L"ben-pass");
     local_ = local_folder_.path() / "report \u00e9t\u00e9.txt";
   }
@@ -251,7 +350,7 @@ class VaultUpload : public VaultTest {
   }
   std::string Versions() {
     std::string text;
-    AskVersions(RemoteForm(local_), &text);
+    AskVersions(RemoteForm(local_), text);
     return text;
   }
   std::string RestoredBytes() {
