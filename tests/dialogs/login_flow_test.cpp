@@ -175,11 +175,10 @@ TEST_F(LoginTest, SuccessSendsTheEnteredAccountAndSavesTheProfile) {
   EXPECT_TRUE(ui_.boxes().empty());
   EXPECT_EQ(Codes(), (std::vector<int>{110, 116, 111}));
   auto runs = install_.Journal();
-  EXPECT_EQ(RequestLine(runs[1], 1), L"localhost");
-  EXPECT_EQ(RequestLine(runs[1], 2), L"443");
-  EXPECT_EQ(RequestLine(runs[1], 3), L"cnkeg");   // alice, shifted
-  EXPECT_EQ(RequestLine(runs[1], 4), L"u5etgv");  // s3cret, shifted
-  EXPECT_EQ(RequestLine(runs[1], 6), L"MACHINECODEREADONLY");
+  // Lines 3 and 4: alice and s3cret, shifted.
+  const std::pair<int, const wchar_t*> login_lines[] = {
+      {1, L"localhost"}, {2, L"443"}, {3, L"cnkeg"}, {4, L"u5etgv"}, {6, L"MACHINECODEREADONLY"}};
+  for (const auto& [n, value] : login_lines) EXPECT_EQ(RequestLine(runs[1], n), value) << n;
   EXPECT_EQ(RequestLine(runs[0], 6), L"Does not exist");
   EXPECT_EQ(procedure_.result_code(), 403);
   EXPECT_EQ(ExchangeFolders(), 0u);
@@ -403,12 +402,10 @@ TEST_F(LoginTest, AProxySetBeforeTheFirstLoginIsUsedAndSavedWithTheAccount) {
   EXPECT_EQ(procedure_.ProxyValue(L"ProxyName"), L"proxy.local");
 
   ASSERT_TRUE(PressLogin());
+  // Lines 7 to 11: a proxy, of the HTTP kind, its address, port and user.
+  const wchar_t* proxy_lines[] = {L"1", L"1", L"proxy.local", L"8080", L"puser"};
   for (const auto& run : install_.Journal()) {
-    EXPECT_EQ(RequestLine(run, 7), L"1");  // a proxy, of the HTTP kind
-    EXPECT_EQ(RequestLine(run, 8), L"1");
-    EXPECT_EQ(RequestLine(run, 9), L"proxy.local");
-    EXPECT_EQ(RequestLine(run, 10), L"8080");
-    EXPECT_EQ(RequestLine(run, 11), L"puser");
+    for (int n = 7; n <= 11; ++n) EXPECT_EQ(RequestLine(run, n), proxy_lines[n - 7]) << n;
   }
   const std::pair<const wchar_t*, const wchar_t*> saved[] = {
       {L"Proxyset", L"1"},       {L"proxytypehttp", L"1"},
@@ -449,8 +446,8 @@ TEST_F(LoginTest, AnErrorInTheMiddleOfACallStillRemovesItsExchangeFolder) {
 TEST_F(LoginTest, AProfileThatCannotBeMadeCurrentFailsTheLogin) {
   install_.SetScenario(Happy());
   // An installation name of separators only leaves no profile store to save to.
-  install_.WriteFile(L"Configuration.ini",
-                     testing::StandardConfiguration("EngineTimeoutSeconds=20\r\n", "English", "\\"));
+  install_.WriteFile(L"Configuration.ini", testing::StandardConfiguration(
+                                               "EngineTimeoutSeconds=20\r\n", "English", "\\"));
   foundation::CurrentSettings().renew_random_permitted = false;
   EXPECT_FALSE(PressLogin());
   EXPECT_EQ(Codes(), (std::vector<int>{110, 116, 111}));
