@@ -43,8 +43,7 @@ TEST_F(ScheduleControl, ProfileValuesPerMethod) {
 
   profile::UpdateUserProfile(L"CLASSIC_SESSION", L"TRUE");
   EXPECT_EQ(backup.ResetConfigurations(L"alice"), 1);
-  EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
-  EXPECT_EQ(Profile(L"IsUploadStarted"), L"FALSE");
+  ExpectScheduleResumed();
   EXPECT_EQ(Profile(L"CLASSIC_SESSION"), L"FALSE");
 
   // Another user's values are theirs alone.
@@ -73,8 +72,7 @@ TEST_F(ScheduleControl, EnableRemovesThePauseAndResets) {
   backup.StopScheduleBackup(L"alice");
   backup.DisableScheduleBackup(L"alice");
   EXPECT_EQ(backup.EnableScheduleBackup(L"alice"), 1);
-  EXPECT_FALSE(fs::exists(ScheduleFile("schedulerStatus.txt")));
-  EXPECT_EQ(Profile(L"UPLOAD"), L"FASLE");
+  ExpectScheduleResumed();
   // Without a pause in place it is still done, and harmless.
   EXPECT_EQ(backup.EnableScheduleBackup(L"alice"), 1);
 }
