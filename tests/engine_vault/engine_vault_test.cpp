@@ -83,10 +83,7 @@ class Vault : public ::testing::Test {
     client_.WriteDLLInputFileTempFd(platform::FromFsPath(folder), engine::ProxyArguments({}, random));
     return Answer(code, folder);
   }
-  VaultAnswer Ask(int code) { return AskRandom(code, L"MACHINECODEREADONLY"); }
-  VaultAnswer AskRandom(int code, const std::wstring& random) {
-    return Ask(code, Exchange("H_" + std::to_string(code)), random);
-  }
+  VaultAnswer Ask(int code) { return Ask(code, Exchange("H_" + std::to_string(code))); }
   // The 13-line versions request for a remote file; `versions` gets BackupVersion.txt.
   VaultAnswer AskVersions(const std::wstring& remote, std::string& versions) {
     const fs::path folder = Exchange("H_versions");
@@ -263,45 +260,37 @@ TEST_F(Vault, VersionsOfAFile) {
   }
 }
 
-class VaultRestore : public Vault {
- protected:
-  VaultAnswer Restore(const std::wstring& parent, const std::wstring& hosts) {
-    return Vault::Restore(destination_.path(), parent, hosts);
-  }
-  std::size_t FilesRestored() const {
+TEST_F(Vault, RestoreOfOneComputerLandsUnderItsNameWithTheLatestVersionsNotForAWrongKey) {
+  TempFolder destination;
+  const fs::path to = destination.path();
+  const auto files_restored = [&] {
     std::size_t count = 0;
-    for (const auto& entry : fs::recursive_directory_iterator(destination_.path()))
-      count += entry.is_regular_file() ? 1 : 0;
+    for (const auto& entry : fs::recursive_directory_iterator(to)) count += entry.is_regular_file();
     return count;
-  }
-  TempFolder destination_;
-};
-
-TEST_F(VaultRestore, ItemOfOneComputerLandsUnderItsNameWithTheLatestVersionsNotForAWrongKey) {
+  };
   LogIn(L"anna", L"anna-pass", L"not the key");
-  EXPECT_EQ(Restore(L"C:\\Documents", L"HOMEPC|1|1;").code, -404);
+  EXPECT_EQ(Restore(to, L"C:\\Documents", L"HOMEPC|1|1;").code, -404);
   LogIn(L"anna", L"anna-pass", L"anna-key-2024");
   for (const wchar_t* parent : {L"C:\\..\\..\\..\\ben", L"..", L"C:\\Documents\\.\\Reports"})
-    EXPECT_EQ(Restore(parent, L"HOMEPC|1|1;").code, -408) << platform::WideToUtf8(parent);
-  EXPECT_EQ(FilesRestored(), 0u);
+    EXPECT_EQ(Restore(to, parent, L"HOMEPC|1|1;").code, -408) << platform::WideToUtf8(parent);
+  EXPECT_EQ(files_restored(), 0u);
 
-  EXPECT_EQ(Restore(L"C:\\Documents", L"HOMEPC|1|1;").code, 402);
-  const fs::path report = destination_.path() / "Documents" / "Reports" / "2023" / "Q1 report.txt";
+  EXPECT_EQ(Restore(to, L"C:\\Documents", L"HOMEPC|1|1;").code, 402);
+  const fs::path report = to / "Documents" / "Reports" / "2023" / "Q1 report.txt";
   EXPECT_EQ(ReadFileBytes(report), SampleText("C:\\Documents\\Reports\\2023\\Q1 report.txt", 3));
-  EXPECT_EQ(FilesRestored(), 3u);
-  EXPECT_TRUE(fs::exists(destination_.path() / "Documents" /
-                         platform::ToFsPath(L"\u0424\u043e\u0442\u043e") /
+  EXPECT_EQ(files_restored(), 3u);
+  EXPECT_TRUE(fs::exists(to / "Documents" / platform::ToFsPath(L"\u0424\u043e\u0442\u043e") /
                          platform::ToFsPath(L"\u043b\u0435\u0442\u043e.txt")));
   auto written = std::chrono::file_clock::to_sys(fs::last_write_time(report));
   EXPECT_EQ(std::chrono::floor<std::chrono::seconds>(written).time_since_epoch().count(),
             1674034200);  // 01-18-2023 09:30:00 UTC
 
   // The computer comes from MPC.ini or the leading name.
-  EXPECT_EQ(Restore(L"C:\\Projects\\plan.txt", L"WORKPC|2|1;").code, 402);
-  EXPECT_EQ(ReadFileBytes(destination_.path() / "plan.txt"), SampleText("C:\\Projects\\plan.txt", 4));
-  EXPECT_EQ(Restore(L"C:\\Projects\\plan.txt", L"HOMEPC|1|1;").code, -408);
-  EXPECT_EQ(Restore(L"WORKPC\\C:\\Projects", L"anna|0;").code, 402);
-  EXPECT_TRUE(fs::exists(destination_.path() / "Projects" / "plan.txt"));
+  EXPECT_EQ(Restore(to, L"C:\\Projects\\plan.txt", L"WORKPC|2|1;").code, 402);
+  EXPECT_EQ(ReadFileBytes(to / "plan.txt"), SampleText("C:\\Projects\\plan.txt", 4));
+  EXPECT_EQ(Restore(to, L"C:\\Projects\\plan.txt", L"HOMEPC|1|1;").code, -408);
+  EXPECT_EQ(Restore(to, L"WORKPC\\C:\\Projects", L"anna|0;").code, 402);
+  EXPECT_TRUE(fs::exists(to / "Projects" / "plan.txt"));
 }
 
 TEST_F(Vault, DeleteRemovesListedItemsAndRefusesEscapes) {
@@ -327,46 +316,38 @@ TEST_F(Vault, DeleteRemovesListedItemsAndRefusesEscapes) {
 TEST_F(Vault, RegistrationBindsTheRandomNumberToTheHomeComputer) {
   AppendToVaultFile("accounts/ben/account.txt", "registration = required\n");
   LogIn(L"ben", L"ben-pass");
-  EXPECT_EQ(AskRandom(115, L"1234567890").code, -505);
-  EXPECT_EQ(AskRandom(5, L"Does not exist").code, -510);
-  EXPECT_EQ(AskRandom(5, L"1234567890").code, 404);
-  EXPECT_EQ(AskRandom(115, L"1234567890").code, 0);
+  EXPECT_EQ(Ask(115, Exchange("H_reg"), L"1234567890").code, -505);
+  EXPECT_EQ(Ask(5, Exchange("H_reg"), L"Does not exist").code, -510);
+  EXPECT_EQ(Ask(5, Exchange("H_reg"), L"1234567890").code, 404);
+  EXPECT_EQ(Ask(115, Exchange("H_reg"), L"1234567890").code, 0);
   EXPECT_NE(ReadFileBytes(vault() / "accounts/ben/account.txt").find("machine-code = 1234567890 BENLAPTOP"),
             std::string::npos);
 }
 
-class VaultUpload : public Vault {
- protected:
-  void SetUp() override {
-    Vault::SetUp();
-    LogIn(L"ben", L"ben-pass");
-    local_ = local_folder_.path() / "report \u00e9t\u00e9.txt";
-  }
-  VaultAnswer Upload(const std::string& bytes) {
-    WriteFileBytes(local_, bytes);
+TEST_F(Vault, EachUploadAddsAVersionButAFullQuotaOrACrashMidUploadLeavesThePreviousOne) {
+  LogIn(L"ben", L"ben-pass");
+  TempFolder local_folder;
+  const fs::path local = local_folder.path() / "report \u00e9t\u00e9.txt";
+  const auto upload = [&](const std::string& bytes) {
+    WriteFileBytes(local, bytes);
     fs::path folder = Exchange("H_upload");
-    WriteFileBytes(folder / "ToBackup.txt", Utf16LeFile(platform::FromFsPath(local_) + L"\r\n"));
+    WriteFileBytes(folder / "ToBackup.txt", Utf16LeFile(platform::FromFsPath(local) + L"\r\n"));
     return Ask(110, folder);
-  }
-  std::string Versions() {
+  };
+  const auto versions = [&] {
     std::string text;
-    AskVersions(RemoteForm(local_), text);
+    AskVersions(RemoteForm(local), text);
     return text;
-  }
-  std::string RestoredBytes() {
+  };
+  const auto restored_bytes = [&] {
     TempFolder destination;
-    Restore(destination.path(), RemoteForm(local_));
-    return ReadFileBytes(destination.path() / local_.filename());
-  }
-  TempFolder local_folder_;
-  fs::path local_;
-};
-
-TEST_F(VaultUpload, EachUploadAddsAVersionButAFullQuotaOrACrashMidUploadLeavesThePreviousOne) {
+    Restore(destination.path(), RemoteForm(local));
+    return ReadFileBytes(destination.path() / local.filename());
+  };
   AppendToVaultFile("accounts/ben/account.txt", "quota = 385\n");  // 379 used
-  EXPECT_EQ(Upload("seven b").code, -406);
-  EXPECT_EQ(Versions(), "0\r\n");
-  VaultAnswer answer = Upload("six b!");
+  EXPECT_EQ(upload("seven b").code, -406);
+  EXPECT_EQ(versions(), "0\r\n");
+  VaultAnswer answer = upload("six b!");
   ASSERT_EQ(answer.code, 402);
   EXPECT_EQ(ReadFileBytes(answer.folder / "DLLOutput1.txt"), "1\r\n");
   AppendToVaultFile("accounts/ben/account.txt", "quota = 100000\n");
@@ -374,19 +355,19 @@ TEST_F(VaultUpload, EachUploadAddsAVersionButAFullQuotaOrACrashMidUploadLeavesTh
   fs::path folder = Exchange("H_list");
   Ask(115, folder);
   const std::wstring listing = Utf16LeText(ReadFileBytes(folder / "Backupfile.txt"));
-  EXPECT_NE(Lower(listing).find(Lower(RemoteForm(local_) + L"/1/6/")), std::wstring::npos);
+  EXPECT_NE(Lower(listing).find(Lower(RemoteForm(local) + L"/1/6/")), std::wstring::npos);
 
   AppendToVaultFile("vault.txt", "crash-during-upload = 1\n");
-  VaultAnswer crashed = Upload("version two, never complete");
+  VaultAnswer crashed = upload("version two, never complete");
   EXPECT_FALSE(crashed.has_output);
   EXPECT_EQ(crashed.code, 0);  // no result file at all
-  EXPECT_EQ(Bars(Versions()), 1);
-  EXPECT_EQ(RestoredBytes(), "six b!");
+  EXPECT_EQ(Bars(versions()), 1);
+  EXPECT_EQ(restored_bytes(), "six b!");
 
   AppendToVaultFile("vault.txt", "crash-during-upload = 0\n");
-  EXPECT_EQ(Upload("version two").code, 402);
-  EXPECT_EQ(Bars(Versions()), 2);
-  EXPECT_EQ(RestoredBytes(), "version two");
+  EXPECT_EQ(upload("version two").code, 402);
+  EXPECT_EQ(Bars(versions()), 2);
+  EXPECT_EQ(restored_bytes(), "version two");
 }
 
 // The library's own operations against the vault, end to end.
