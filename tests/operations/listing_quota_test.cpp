@@ -19,20 +19,9 @@ using testing::SessionTest;
 
 using Listing = SessionTest;
 
-TEST_F(Listing, CancelMarkerBeforeTheCallStartsNothing) {
-  std::wstring folder = CallerFolder(L"list");
-  testing::WriteFileBytes(platform::ToFsPath(folder) / "cancel.txt", "");
-  EXPECT_EQ(clsAPI_Interface().API_REMOTE(folder), -1);
-  EXPECT_TRUE(install_.Journal().empty());
-}
-
 TEST_F(Listing, ZeroBecomes402WithAListingAndMinus412Without) {
-  install_.SetScenario(EngineScenario()
-                           .On(115)
-                           .Output(0)
-                           .WithFile("Backupfile.txt", "listing")
-                           .Then()
-                           .Output(0));
+  install_.SetScenario(
+      EngineScenario().On(115).Output(0).WithFile("Backupfile.txt", "listing").Then().Output(0));
   std::wstring with_listing = CallerFolder(L"a b");
   EXPECT_EQ(clsAPI_Interface().API_REMOTE(with_listing), 402);
   EXPECT_TRUE(fs::exists(platform::ToFsPath(with_listing) / "Backupfile.txt"));
@@ -67,7 +56,7 @@ TEST_F(Listing, UnregisteredMachineReturns401UnlessRenewalIsPermitted) {
   EXPECT_EQ(clock_.CountPauses(500), 1u);
 }
 
-TEST_F(Listing, CancelDuringTheRunTerminatesTheEngine) {
+TEST_F(Listing, ACancelMarkerEndsTheRunAndStartsNoOther) {
   install_.SetScenario(EngineScenario().On(115).Hang());
   std::wstring folder = CallerFolder(L"cancel me");
   // The marker appears while the engine hangs, as the shell side's cancel does.
@@ -79,7 +68,9 @@ TEST_F(Listing, CancelDuringTheRunTerminatesTheEngine) {
   EXPECT_EQ(clsAPI_Interface().API_REMOTE(folder), -1);
   canceller.join();
   EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::seconds(10));
-  // The next call in the same folder, its marker gone, is answered.
+  // With the marker still there the next call starts nothing; once it is gone, it is answered.
+  EXPECT_EQ(clsAPI_Interface().API_REMOTE(folder), -1);
+  EXPECT_EQ(install_.Journal().size(), 1u);
   fs::remove(platform::ToFsPath(folder) / "cancel.txt");
   fs::remove(install_.path() / "engine-journal.txt");
   install_.SetScenario(EngineScenario().On(115).Output(0).WithFile("Backupfile.txt", "x"));
@@ -95,29 +86,38 @@ TEST_F(Listing, AnEngineThatLeavesNoResultEndsWithMinusOne) {
 
 using Quota = SessionTest;
 
-TEST_F(Quota, FiguresComeFromQuotaTxtAndTheFolderIsRemoved) {
-  install_.SetScenario(EngineScenario().On(114).Output(402).WithFile(
-      "Quota.txt", "1073741824\r\n2147483648\r\n"));
-  double max_size = 5, used = 5;
-  EXPECT_EQ(clsAPI_Interface().API_GetQuota(max_size, used), 0);
-  EXPECT_EQ(used, 1073741824.0);
-  EXPECT_EQ(max_size, 2147483648.0);
-  auto runs = install_.Journal();
-  ASSERT_EQ(runs.size(), 1u);
-  EXPECT_EQ(runs[0].program, L"TavrinEClsClient.exe");
-  EXPECT_FALSE(fs::exists(platform::ToFsPath(runs[0].folder)));
-}
-
-TEST_F(Quota, OneLineQuotaLeavesMaxAtZeroAndNoFileGivesMinusOne) {
-  install_.SetScenario(EngineScenario().On(114).Output(1).WithFile("Quota.txt", "42\r\n")
-                           .Then().Output(1));
-  double max_size = 5, used = 5;
-  clsAPI_Interface().API_GetQuota(max_size, used);
-  EXPECT_EQ(used, 42.0);
-  EXPECT_EQ(max_size, 0.0);
-  clsAPI_Interface().API_GetQuota(max_size, used);
-  EXPECT_EQ(used, -1.0);
-  EXPECT_EQ(max_size, 0.0);
+// A one-line Quota.txt leaves the maximum at 0, no file the used space at -1; only
+// a maximum sets the plan flag, by its exact value. The folder is removed.
+TEST_F(Quota, FiguresComeFromQuotaTxtAndTheFreePlanFromTheExactMaximum) {
+  const struct {
+    std::optional<std::string> quota;
+    double used, max_size;
+    const wchar_t* freeuser;
+  } cases[] = {
+      {"1073741824\r\n2147483648\r\n", 1073741824.0, 2147483648.0, L"1"},
+      {"10\r\n2147483649\r\n", 10, 2147483649.0, L"0"},
+      {"10\r\n12884901888\r\n", 10, 12884901888.0, L"1"},
+      {"10\r\n161061273600\r\n", 10, 161061273600.0, L"1"},
+      {"10\r\n5368709120\r\n", 10, 5368709120.0, L"0"},
+      {"42\r\n", 42, 0, L"unchanged"},
+      {std::nullopt, -1, 0, L"unchanged"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.quota.value_or("no file"));
+    EngineScenario scenario;
+    scenario.On(114).Output(402);
+    if (c.quota) scenario.WithFile("Quota.txt", *c.quota);
+    install_.SetScenario(scenario);
+    profile::UpdateUserProfile(L"freeuser", L"unchanged");
+    double max_size = 5, used = 5;
+    EXPECT_EQ(UICommands().W_GetQuota_Command(max_size, used), 0);
+    EXPECT_EQ(used, c.used);
+    EXPECT_EQ(max_size, c.max_size);
+    EXPECT_EQ(profile::GetUserProfile(L"freeuser"), c.freeuser);
+    const auto run = install_.Journal().back();
+    EXPECT_EQ(run.program, L"TavrinEClsClient.exe");
+    EXPECT_FALSE(fs::exists(platform::ToFsPath(run.folder)));
+  }
 }
 
 TEST_F(Quota, FailedAnswers) {
@@ -159,21 +159,6 @@ TEST_F(Quota, FailedAnswers) {
     }
     EXPECT_EQ(fs::exists(platform::ToFsPath(UserFolder()) / "LoginProgress.txt"),
               c.codes.size() != 4);
-  }
-}
-
-TEST_F(Quota, FreePlanFlagFollowsTheExactQuota) {
-  struct Case {
-    const char* quota;
-    const wchar_t* freeuser;
-  } cases[] = {{"2147483648", L"1"}, {"2147483649", L"0"}, {"12884901888", L"1"},
-               {"161061273600", L"1"}, {"5368709120", L"0"}};
-  for (const auto& c : cases) {
-    install_.SetScenario(EngineScenario().On(114).Output(1).WithFile(
-        "Quota.txt", std::string("10\r\n") + c.quota + "\r\n"));
-    double max_size = 0, used = 0;
-    UICommands().W_GetQuota_Command(max_size, used);
-    EXPECT_EQ(profile::GetUserProfile(L"freeuser"), c.freeuser) << c.quota;
   }
 }
 

@@ -90,9 +90,7 @@ TEST_F(Entry, StartsTheLoginRunInTheCallersFolderAndReturnsAtOnce) {
   EXPECT_NE(handle, -1);
   EXPECT_EQ(completed, 1);
   // The caller waits; here the journal shows when the engine has run.
-  for (int i = 0; i < 200 && install_.Journal().empty(); ++i) {
-    platform::SystemClock().Sleep(50);
-  }
+  ASSERT_TRUE(testing::WaitUntil([&] { return !install_.Journal().empty(); }));
   auto runs = install_.Journal();
   ASSERT_EQ(runs.size(), 1u);
   EXPECT_EQ(runs[0].params, engine::EngineParameters(110, folder));
