@@ -1,8 +1,8 @@
 // The reference engine as a real process, started the way the library starts it.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,16 +32,16 @@ fs::path MakeExchange(const EngineInstall& install, const std::string& name) {
   return folder;
 }
 
-// Names of the files in a folder, the request aside.
-std::vector<std::string> Answered(const fs::path& folder) {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(folder))
-    if (entry.path().filename() != "DLLInput.txt") names.push_back(entry.path().filename().string());
-  std::sort(names.begin(), names.end());
-  return names;
+// The files in a folder with their bytes, the request aside.
+using Files = std::map<std::string, std::string>;
+Files Answered(const fs::path& folder) {
+  Files files;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    const std::string name = entry.path().filename().string();
+    if (name != "DLLInput.txt") files[name] = ReadFileBytes(entry.path());
+  }
+  return files;
 }
-
-using Names = std::vector<std::string>;
 
 // Each code plays its answers in order, then repeats the last; alias names
 // share the queue; a code without an entry, or no scenario at all, answers nothing.
@@ -49,33 +49,29 @@ TEST(EngineRefQueue, EachCodePlaysItsAnswersInOrderThenRepeatsTheLast) {
   EngineInstall install({.aliases = {L"TavrinEClsClient.exe"}});
   fs::path bare = MakeExchange(install, "no scenario");
   ASSERT_EQ(RunToEnd(install, 113, bare), WaitOutcome::kExited);
-  EXPECT_EQ(Answered(bare), Names{});
+  EXPECT_EQ(Answered(bare), Files{});
 
   install.SetScenario(EngineScenario().On(115).Output(-416).Then().Info(-12009, "Server busy")
                           .Then().Output(0).On(114).Output(7));
   const struct {
     int code;
     const wchar_t* program;
-    const char* file;  // nullptr: nothing answered
-    const char* bytes;
+    Files files;
   } runs[] = {
-      {115, L"TavrinEClient.exe", "DLLOutput.txt", "-416\r\n"},
-      {114, L"TavrinEClsClient.exe", "DLLOutput.txt", "7\r\n"},
-      {115, L"TavrinEClsClient.exe", "DLLOutputInfo.txt", "-12009\r\nServer busy\r\n"},
-      {116, L"TavrinEClient.exe", nullptr, ""},
-      {115, L"TavrinEClient.exe", "DLLOutput.txt", "0\r\n"},
-      {115, L"TavrinEClient.exe", "DLLOutput.txt", "0\r\n"},
-      {114, L"TavrinEClient.exe", "DLLOutput.txt", "7\r\n"},
+      {115, L"TavrinEClient.exe", {{"DLLOutput.txt", "-416\r\n"}}},
+      {114, L"TavrinEClsClient.exe", {{"DLLOutput.txt", "7\r\n"}}},
+      {115, L"TavrinEClsClient.exe", {{"DLLOutputInfo.txt", "-12009\r\nServer busy\r\n"}}},
+      {116, L"TavrinEClient.exe", {}},
+      {115, L"TavrinEClient.exe", {{"DLLOutput.txt", "0\r\n"}}},
+      {115, L"TavrinEClient.exe", {{"DLLOutput.txt", "0\r\n"}}},
+      {114, L"TavrinEClient.exe", {{"DLLOutput.txt", "7\r\n"}}},
   };
   int number = 0;
   for (const auto& run : runs) {
     SCOPED_TRACE(++number);
     fs::path folder = MakeExchange(install, "H_" + std::to_string(number));
     ASSERT_EQ(RunToEnd(install, run.code, folder, run.program), WaitOutcome::kExited);
-    EXPECT_EQ(Answered(folder), run.file ? Names{run.file} : Names{});
-    if (run.file) {
-      EXPECT_EQ(ReadFileBytes(folder / run.file), run.bytes);
-    }
+    EXPECT_EQ(Answered(folder), run.files);
   }
   auto journal = install.Journal();
   ASSERT_EQ(journal.size(), 8u);
@@ -85,20 +81,29 @@ TEST(EngineRefQueue, EachCodePlaysItsAnswersInOrderThenRepeatsTheLast) {
   EXPECT_EQ(answers, (std::vector<std::optional<std::size_t>>{std::nullopt, 0, 0, 1, std::nullopt, 2, 2, 0}));
 }
 
-TEST(EngineRefResults, FilesHoldExactlyTheScriptedBytes) {
+// Scripted files hold exactly their bytes, garbage included; a crash leaves
+// nothing, a halfway crash the first half of its file.
+TEST(EngineRefResults, FilesHoldExactlyTheScriptedBytesUntilACrash) {
   EngineInstall install;
   const std::string listing = Utf16LeFile(L"C\\Docs\\a.txt|12|2011\r\n");
   const std::string garbage("\xff\x00\x80\r\x1a", 5);
   install.SetScenario(EngineScenario()
                           .On(114).Info(-504).WithFile("DLLOutput1.txt", garbage)
-                          .On(115).Output(0).WithFile("Backupfile.txt", listing));
-  fs::path info = MakeExchange(install, "info"), files = MakeExchange(install, "files");
-  ASSERT_EQ(RunToEnd(install, 114, info), WaitOutcome::kExited);
-  ASSERT_EQ(RunToEnd(install, 115, files), WaitOutcome::kExited);
-  EXPECT_EQ(ReadFileBytes(info / "DLLOutputInfo.txt"), "-504\r\n");
-  EXPECT_EQ(ReadFileBytes(info / "DLLOutput1.txt"), garbage);
-  EXPECT_EQ(Answered(files), (Names{"Backupfile.txt", "DLLOutput.txt"}));
-  EXPECT_EQ(ReadFileBytes(files / "Backupfile.txt"), listing);
+                          .On(115).Output(0).WithFile("Backupfile.txt", listing)
+                          .On(116).Crash().Output(0)
+                          .On(117).CrashHalfway("Backupfile.txt", "0123456789a").Output(0));
+  const std::vector<std::pair<int, Files>> runs = {
+      {114, {{"DLLOutputInfo.txt", "-504\r\n"}, {"DLLOutput1.txt", garbage}}},
+      {115, {{"Backupfile.txt", listing}, {"DLLOutput.txt", "0\r\n"}}},
+      {116, {}},
+      {117, {{"Backupfile.txt", "01234"}}},
+  };
+  for (const auto& [code, files] : runs) {
+    SCOPED_TRACE(code);
+    fs::path folder = MakeExchange(install, std::to_string(code));
+    ASSERT_EQ(RunToEnd(install, code, folder), WaitOutcome::kExited);
+    EXPECT_EQ(Answered(folder), files);
+  }
 }
 
 TEST(EngineRefJournal, RecordsRequestParametersAndFoldersExactly) {
@@ -163,18 +168,6 @@ TEST(EngineRefJournal, ParameterTextIsParsedUpToTheLastBracket) {
     EXPECT_EQ(journal[i].code, cases[i].code);
     EXPECT_EQ(journal[i].folder, cases[i].folder);
   }
-}
-
-TEST(EngineRefLifetime, CrashesLeaveNoResultOrHalfAFile) {
-  EngineInstall install;
-  install.SetScenario(EngineScenario().On(115).Crash().Output(0).Then().CrashHalfway(
-      "Backupfile.txt", "0123456789a").Output(0));
-  fs::path crash = MakeExchange(install, "crash"), half = MakeExchange(install, "half");
-  ASSERT_EQ(RunToEnd(install, 115, crash), WaitOutcome::kExited);
-  ASSERT_EQ(RunToEnd(install, 115, half), WaitOutcome::kExited);
-  EXPECT_EQ(Answered(crash), Names{});
-  EXPECT_EQ(Answered(half), Names{"Backupfile.txt"});
-  EXPECT_EQ(ReadFileBytes(half / "Backupfile.txt"), "01234");
 }
 
 }  // namespace

@@ -67,37 +67,29 @@ TEST_F(RestoreTest, EngineThatCannotStartGivesMinusOne) {
 TEST_F(RestoreTest, VersionRetries) {
   struct Case {
     const char* name;
-    std::vector<long long> answers;  // the last one repeats
+    EngineScenario scenario;
     std::int32_t result;
     std::size_t runs;
     std::size_t retry_pauses;  // of 100 ms, besides those between the wait's slices
   };
   const Case cases[] = {
-      {"three -416 answers", {-416}, -416, 3, 3},
-      {"-416 then 402", {-416, 402}, 402, 2, 1},
-      {"first answer 402", {402}, 402, 1, 0},
-      {"-403 ends at once", {-403}, -403, 1, 0},
+      {"three -416 answers", EngineScenario().On(113).Output(-416), -416, 3, 3},
+      {"-416 then 402", EngineScenario().On(113).Output(-416).Then().Output(402), 402, 2, 1},
+      {"first answer 402", EngineScenario().On(113).Output(402), 402, 1, 0},
+      {"-403 ends at once", EngineScenario().On(113).Output(-403), -403, 1, 0},
   };
   for (const Case& c : cases) {
-    // Answers are counted over the whole journal, so earlier runs are padded over.
-    const std::size_t before = install_.Journal().size();
-    EngineScenario scenario;
-    scenario.On(113);
-    for (std::size_t i = 0; i < before; ++i) scenario.Output(1).Then();
-    for (std::size_t i = 0; i < c.answers.size(); ++i) {
-      if (i > 0) scenario.Then();
-      scenario.Output(c.answers[i]);
-    }
-    install_.SetScenario(scenario);
+    SCOPED_TRACE(c.name);
+    std::filesystem::remove(install_.path() / "engine-journal.txt");  // the queues start again
+    install_.SetScenario(c.scenario);
     clock_.ClearPauses();
     SliceCountingLauncher launcher;
     platform::ScopedServices counting({.launcher = &launcher, .module_folder = {}});
-    EXPECT_EQ(operations::CRestore().W_GetVersions(L"C:\\Docs\\a.txt"), c.result) << c.name;
-    EXPECT_EQ(install_.Journal().size() - before, c.runs) << c.name;
-    EXPECT_EQ(clock_.pauses(), std::vector<std::uint32_t>(clock_.pauses().size(), 100u)) << c.name;
+    EXPECT_EQ(operations::CRestore().W_GetVersions(L"C:\\Docs\\a.txt"), c.result);
+    EXPECT_EQ(install_.Journal().size(), c.runs);
+    EXPECT_EQ(clock_.pauses(), std::vector<std::uint32_t>(clock_.pauses().size(), 100u));
     EXPECT_EQ(clock_.pauses().size() - static_cast<std::size_t>(launcher.TotalRunningSlices()),
-              c.retry_pauses)
-        << c.name;
+              c.retry_pauses);
   }
   // -403 showed the password-changed text with a stop icon.
   ASSERT_EQ(ui_.boxes().size(), 1u);
