@@ -4,8 +4,6 @@
 
 #include <set>
 
-#include "foundation/language_text.h"
-#include "foundation/settings.h"
 #include "operations/ui_commands.h"
 #include "support/install_folder.h"
 

@@ -26,9 +26,15 @@ TEST(Trace, EntriesMakeTheLogFolderAndAppendDatedLinesAnEmptyMessageKeepingItsBl
   EXPECT_EQ(ReadFileBytes(LogFile(install, "TavrinETestUI.txt")), "07-04-2011 18:05:09 first\r\n");
   install.clock().SetNow({2024, 12, 31, 3, 4, 5, 0});
   Trace(L"");
-  Trace(L"third");
+  // Exception lines carry their prefixes.
+  TraceException(L"API_GetQuota", L"boom");
+  TraceException(L"clsClient", L"WriteDLLInputFile", L"File not found");
+  TraceException(L"API_REMOTE", L"");
   EXPECT_EQ(ReadFileBytes(LogFile(install, "TavrinETestUI.txt")),
-            "07-04-2011 18:05:09 first\r\n12-31-2024 03:04:05 \r\n12-31-2024 03:04:05 third\r\n");
+            "07-04-2011 18:05:09 first\r\n12-31-2024 03:04:05 \r\n"
+            "12-31-2024 03:04:05 [EXCEPTION] API_GetQuota() : boom\r\n"
+            "12-31-2024 03:04:05 [EXCEPTION] clsClient :: WriteDLLInputFile() : File not found\r\n"
+            "12-31-2024 03:04:05 [EXCEPTION] API_REMOTE() : \r\n");
 }
 
 TEST(Trace, InstallationNameIsReadAfreshOnEveryWriteAndItsFoldersAreMade) {
@@ -48,18 +54,6 @@ TEST(Trace, InstallationNameIsReadAfreshOnEveryWriteAndItsFoldersAreMade) {
     Trace(L"x");
     EXPECT_FALSE(ReadFileBytes(install.path() / "Log" / row.file).empty()) << row.name;
   }
-}
-
-TEST(Trace, ExceptionLinesCarryTheirPrefixes) {
-  InstallFolder install;
-  install.clock().SetNow({2011, 1, 2, 3, 4, 5, 0});
-  TraceException(L"API_GetQuota", L"boom");
-  TraceException(L"clsClient", L"WriteDLLInputFile", L"File not found");
-  TraceException(L"API_REMOTE", L"");
-  EXPECT_EQ(ReadFileBytes(LogFile(install, "UI.txt")),
-            "01-02-2011 03:04:05 [EXCEPTION] API_GetQuota() : boom\r\n"
-            "01-02-2011 03:04:05 [EXCEPTION] clsClient :: WriteDLLInputFile() : File not found\r\n"
-            "01-02-2011 03:04:05 [EXCEPTION] API_REMOTE() : \r\n");
 }
 
 TEST(Trace, AnUnwritableLogIsLostSilently) {

@@ -85,18 +85,13 @@ TEST(IniFile, ReadsValuesByTheProfileRulesWithEitherLineEnd) {
 }
 
 TEST(IniFile, LongValuesAreCutAt2047CharactersAndANulDoesNotEndTheFile) {
-  struct LengthCase {
-    std::size_t stored;
-    std::size_t read;
-  };
-  const LengthCase cases[] = {{2046, 2046}, {2047, 2047}, {2048, 2047}, {1 << 20, 2047}};
   TempFolder folder;
-  int index = 0;
-  for (const LengthCase& c : cases) {
-    auto file = folder.path() / ("long" + std::to_string(index++) + ".ini");
-    WriteFileBytes(file, std::string("[S]\r\nNul=a\0b\r\nK=", 16) + std::string(c.stored, 'v') +
+  for (const auto& [stored, read] : {std::pair<std::size_t, std::size_t>{2046, 2046},
+                                     {2047, 2047}, {2048, 2047}, {1 << 20, 2047}}) {
+    auto file = folder.path() / ("long" + std::to_string(stored) + ".ini");
+    WriteFileBytes(file, std::string("[S]\r\nNul=a\0b\r\nK=", 16) + std::string(stored, 'v') +
                              "\r\n");
-    EXPECT_EQ(ReadIniString(L"S", L"K", FromFsPath(file)).size(), c.read) << c.stored;
+    EXPECT_EQ(ReadIniString(L"S", L"K", FromFsPath(file)).size(), read) << stored;
   }
 }
 

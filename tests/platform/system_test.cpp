@@ -4,7 +4,6 @@
 #include "platform/host_resolver.h"
 #include "platform/module_folder.h"
 #include "platform/path.h"
-#include "platform/ui.h"
 #include "support/temp_folder.h"
 
 namespace tavrine::platform {
@@ -25,11 +24,6 @@ TEST(SystemClock, SleepMovesTheSteadyClock) {
   // GetTickCount64 ticks in ~16 ms steps.
   EXPECT_GE(after - before, 40u);
   EXPECT_LT(after - before, 5000u);
-}
-
-TEST(SystemUi, ClosingAWindowThatIsNotThereFails) {
-  EXPECT_FALSE(SystemUi().CloseWindowByTitle(L"TavrinE - no such window 7f3a"));
-  SystemUi().PumpMessages();
 }
 
 TEST(ModuleFolder, IsTheFolderOfTheProgramHoldingTheCode) {
