@@ -311,11 +311,9 @@ TEST(ListingFind, IndexAnswersAsThePlainScan) {
       queries.push_back(folder.substr(0, folder.size() / 2 + 1));
     }
     if (!machine.empty()) {
-      std::vector<std::wstring> prefixed;
-      for (const std::wstring& q : queries) prefixed.push_back(machine + L"\\" + q);
-      prefixed.push_back(machine);
-      prefixed.push_back(L"pc");
-      queries.insert(queries.end(), prefixed.begin(), prefixed.end());
+      const std::size_t plain = queries.size();
+      for (std::size_t i = 0; i < plain; ++i) queries.push_back(machine + L"\\" + queries[i]);
+      queries.insert(queries.end(), {machine, L"pc"});
     }
     for (const std::wstring& q : queries) {
       ASSERT_EQ(Walk(loaded->listing, q), Walk(scan, q)) << "round " << round << " query " << q.size();
