@@ -48,26 +48,18 @@ class ClsClientTest : public ::testing::Test {
 constexpr const wchar_t* kHead = L"10.1.2.3\r\n8443\r\ncde\r\n\r\nz\u20AC\r\nR1\r\n";
 const std::wstring kNoProxy = L"0\r\n0\r\n0\r\n0\r\n0\r\n0\r\n";
 
-ProxyBlock SampleProxy() {
-  ProxyBlock proxy;
-  proxy.proxyexistsflag = 1;
-  proxy.proxytype = 2;
-  proxy.proxyserverip = L"proxy.lan";
-  proxy.proxyserverport = L"3128";
-  proxy.proxyserveruname = L"pu";
-  proxy.proxyserverpwd = L"pp";
-  proxy.AsciiRandom = L"R1";
-  return proxy;
-}
+const ProxyBlock kSampleProxy{.proxyexistsflag = 1, .proxytype = 2, .proxyserverip = L"proxy.lan",
+                              .proxyserverport = L"3128", .proxyserveruname = L"pu",
+                              .proxyserverpwd = L"pp", .AsciiRandom = L"R1"};
 
 // Twelve lines, or fifteen with the backup set's numbers after the random;
 // an earlier, longer request is replaced whole.
 TEST_F(ClsClientTest, RequestsByteForByte) {
   testing::WriteFileBytes(platform::ToFsPath(folder_) / "DLLInput.txt", std::string(5000, 'x'));
   const std::wstring proxy = L"1\r\n2\r\nproxy.lan\r\n3128\r\npu\r\npp\r\n";
-  client_.WriteDLLInputFileTempFd(folder_, SampleProxy());
+  client_.WriteDLLInputFileTempFd(folder_, kSampleProxy);
   EXPECT_EQ(Request(), Utf16LeFile(kHead + proxy));
-  client_.WriteDLLInputFileBackupSetTempFd(folder_, -3, 70000, -2147483647 - 1, SampleProxy());
+  client_.WriteDLLInputFileBackupSetTempFd(folder_, -3, 70000, -2147483647 - 1, kSampleProxy);
   EXPECT_EQ(Request(), Utf16LeFile(kHead + (L"-3\r\n70000\r\n-2147483648\r\n" + proxy)));
 }
 
@@ -100,7 +92,7 @@ TEST_F(ClsClientTest, VersionRequestDropsTheComputerOnlyWithSeveralComputers) {
 TEST_F(ClsClientTest, WriteDllInputFileNeverWritesAndLogsWhy) {
   std::wstring user_folder = client_.UserFolder();
   std::filesystem::create_directories(platform::ToFsPath(user_folder));
-  client_.WriteDLLInputFile(SampleProxy());
+  client_.WriteDLLInputFile(kSampleProxy);
   EXPECT_FALSE(std::filesystem::exists(platform::ToFsPath(user_folder) / "DLLInput.txt"));
   std::string log = ReadFileBytes(install_.path() / "Log" / "TavrinETestUI.txt");
   EXPECT_NE(log.find("[EXCEPTION] clsClient :: WriteDLLInputFile() : File not found"),
