@@ -46,9 +46,8 @@ struct Walker {
     for (int i = 0; i < files; ++i)
       text += L"C:\\" + user + L"\\f" + std::to_wstring(i) + L".txt/1/10/01-31-2011 13:05:09/U\r\n";
     install.SetScenario(EngineScenario().On(119).Output(402).On(122).Output(402));
-    auto user_folder = install.path() / platform::ToFsPath(installation + user);
-    std::filesystem::create_directories(user_folder);
-    WriteFileBytes(user_folder / "Backupfile.txt", Utf16LeFile(text));
+    WriteFileBytes(install.path() / platform::ToFsPath(installation + user) / "Backupfile.txt",
+                   Utf16LeFile(text));
 
     together.arrive_and_wait();
     for (int round = 0; round < rounds; ++round) {
