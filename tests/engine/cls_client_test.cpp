@@ -151,16 +151,14 @@ TEST_F(ClsClientTest, ResultFilesAreReadInTheirOrder) {
 }
 
 TEST_F(ClsClientTest, DeleteRemovesExactlyTheFourExchangeFiles) {
-  auto folder = platform::ToFsPath(folder_);
-  for (const char* name : {"DLLOutput.txt", "DLLOutput1.txt", "DLLInput.txt", "DLLOutputInfo.txt",
-                           "Backupfile.txt"}) {
-    testing::WriteFileBytes(folder / name, "x");
-  }
+  const auto folder = platform::ToFsPath(folder_);
+  const std::string names[] = {"DLLOutput.txt", "DLLOutput1.txt", "DLLInput.txt",
+                               "DLLOutputInfo.txt", "Backupfile.txt"};
+  for (const std::string& name : names) testing::WriteFileBytes(folder / name, "x");
   client_.DeleteInputOutFilesTempFd(folder_);
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder),
-                          std::filesystem::directory_iterator()),
-            1);
-  EXPECT_TRUE(std::filesystem::exists(folder / "Backupfile.txt"));
+  for (const std::string& name : names) {
+    EXPECT_EQ(std::filesystem::exists(folder / name), name == "Backupfile.txt") << name;
+  }
 }
 
 TEST_F(ClsClientTest, ServerAddressAndPortAreSavedUnderBothNames) {
