@@ -220,16 +220,16 @@ TEST_F(Vault, ListingsByteForByteOnePerComputerWithTheMachineList) {
   EXPECT_EQ(profile::GetUserProfile(L"List"), L"");
   EXPECT_EQ(Ask(122).code, 402);
   EXPECT_TRUE(fs::exists(UserFolder() / "Backupfile.txt"));
-  fs::path folder = Exchange("H_list");
-  EXPECT_EQ(Ask(115, folder).code, 0);
-  EXPECT_EQ(ReadFileBytes(folder / "Backupfile.txt"),
+  VaultAnswer list = Ask(115);
+  EXPECT_EQ(list.code, 0);
+  EXPECT_EQ(ReadFileBytes(list.folder / "Backupfile.txt"),
             Utf16LeFile(L"C:\\Users\\ben\\notes.txt/2/82/01-17-2023 09:30:00/A\r\n"
                         L"C:\\Users\\ben\\Pictures\\cat.bin/1/256/01-26-2023 09:30:00/A\r\n"));
 
   LogIn(L"dora", L"dora-pass");
-  folder = Exchange("H_empty");
-  EXPECT_EQ(Ask(115, folder).code, 0);
-  EXPECT_FALSE(fs::exists(folder / "Backupfile.txt")) << "an empty backup has no listing";
+  list = Ask(115);
+  EXPECT_EQ(list.code, 0);
+  EXPECT_FALSE(fs::exists(list.folder / "Backupfile.txt")) << "an empty backup has no listing";
 }
 
 TEST_F(Vault, VersionsOfAFile) {
@@ -352,9 +352,7 @@ TEST_F(Vault, EachUploadAddsAVersionButAFullQuotaOrACrashMidUploadLeavesThePrevi
   EXPECT_EQ(ReadFileBytes(answer.folder / "DLLOutput1.txt"), "1\r\n");
   AppendToVaultFile("accounts/ben/account.txt", "quota = 100000\n");
   // Stored under the names already there, which may differ in case.
-  fs::path folder = Exchange("H_list");
-  Ask(115, folder);
-  const std::wstring listing = Utf16LeText(ReadFileBytes(folder / "Backupfile.txt"));
+  const std::wstring listing = Utf16LeText(ReadFileBytes(Ask(115).folder / "Backupfile.txt"));
   EXPECT_NE(Lower(listing).find(Lower(RemoteForm(local) + L"/1/6/")), std::wstring::npos);
 
   AppendToVaultFile("vault.txt", "crash-during-upload = 1\n");
