@@ -49,23 +49,22 @@ TEST(MessageTable, TextsStandAsTheSystemWritesThemOneRowACode) {
   }
 }
 
+// Rows without a text number (-511) never look the language up.
 TEST(MessageTable, LocalizedTextWinsUnlessBlank) {
   InstallFolder install;
   install.WriteStandardConfiguration();
   testing::WriteFileBytes(install.path() / "Lang" / "English.ini",
-                          "[Strings]\r\n1319=Netzwerkfehler\r\n1312=   \r\n495=Wartung\r\n");
-  UICommands commands;
-  std::wstring text;
-  commands.W_GetMessageString(-504, text);
-  EXPECT_EQ(text, L"Netzwerkfehler");
-  commands.W_GetMessageString(-416, text);
-  EXPECT_EQ(text, L"Could not establish connection with server. Please try again later");
-  commands.W_GetMessageString(-509, text);
-  EXPECT_EQ(text, L"Wartung");
-  // Rows without a text number never look the language up.
-  testing::WriteFileBytes(install.path() / "Lang" / "English.ini", "[Strings]\r\n0=zero\r\n");
-  commands.W_GetMessageString(-511, text);
-  EXPECT_EQ(text, L"Cleanup is in progress");
+                          "[Strings]\r\n1319=Netzwerkfehler\r\n1312=   \r\n495=Wartung\r\n"
+                          "0=zero\r\n");
+  const auto text = [](int code) {
+    std::wstring result;
+    UICommands().W_GetMessageString(code, result);
+    return result;
+  };
+  EXPECT_EQ(text(-504), L"Netzwerkfehler");
+  EXPECT_EQ(text(-416), L"Could not establish connection with server. Please try again later");
+  EXPECT_EQ(text(-509), L"Wartung");
+  EXPECT_EQ(text(-511), L"Cleanup is in progress");
 }
 
 TEST(MessageInfo, TitlesFollowTheTitleTable) {
