@@ -109,14 +109,16 @@ TEST_F(Quota, FiguresComeFromQuotaTxtAndTheFreePlanFromTheExactMaximum) {
     if (c.quota) scenario.WithFile("Quota.txt", *c.quota);
     install_.SetScenario(scenario);
     profile::UpdateUserProfile(L"freeuser", L"unchanged");
+    const std::size_t runs_before = install_.Journal().size();
     double max_size = 5, used = 5;
     EXPECT_EQ(UICommands().W_GetQuota_Command(max_size, used), 0);
     EXPECT_EQ(used, c.used);
     EXPECT_EQ(max_size, c.max_size);
     EXPECT_EQ(profile::GetUserProfile(L"freeuser"), c.freeuser);
-    const auto run = install_.Journal().back();
-    EXPECT_EQ(run.program, L"TavrinEClsClient.exe");
-    EXPECT_FALSE(fs::exists(platform::ToFsPath(run.folder)));
+    const auto runs = install_.Journal();
+    ASSERT_EQ(runs.size(), runs_before + 1);
+    EXPECT_EQ(runs.back().program, L"TavrinEClsClient.exe");
+    EXPECT_FALSE(fs::exists(platform::ToFsPath(runs.back().folder)));
   }
 }
 
