@@ -312,7 +312,11 @@ bool LoginProcedure::Run() {
     address_ = engine::clsIPResolve().GetIPFromHostName(host);
     if (address_.empty()) address_ = CurrentSettings().current_address;
   }
-  port_ = CurrentSettings().port;
+  // The account's stored port, as every other request sends it; a first login
+  // has none and takes the configured one.
+  port_ = store.GetForUser(user_, L"port");
+  if (port_.empty()) port_ = store.GetForUser(user_, L"OutPort");
+  if (port_.empty()) port_ = CurrentSettings().port;
   Trace(L"New3 : g_IPAddress : " + address_);
   Trace(L"New3 : OutgoingPort : " + port_);
 
@@ -452,13 +456,14 @@ bool LoginProcedure::ResolveEmail(bool& go_on) {
     go_on = true;
     return true;
   }
-  view_.ShowAccountChoice(names);
   user_ = names.front();
   bool status = CheckDefEncStatus();
   Trace(L"Return Value from CheckDefEncKeyStatus");
+  // A failed check leaves the text box, so the next press resolves the address again.
   if (!status) return false;
   Unlock();
   ShowStop(LoginMessageText(LoginMessage::kSeveralAccounts), L"");
+  view_.ShowAccountChoice(names);
   return true;
 }
 
@@ -480,7 +485,8 @@ bool LoginProcedure::Login() {
 
 bool LoginProcedure::CompleteSession() {
   for (int asks = 0;;) {
-    CallResult result = RunCall(LoginCall::kCompleteSession, RandomNumber());
+    // The login's own request again, the machine code included.
+    CallResult result = RunCall(LoginCall::kCompleteSession, kMachineCode);
     if (result.code > 0) return true;
     if (result.code == -404) {
       if (++asks > kMaxEncryptionPasswordAsks) {

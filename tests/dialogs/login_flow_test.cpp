@@ -179,6 +179,7 @@ TEST_F(LoginTest, SuccessSendsTheEnteredAccountAndSavesTheProfile) {
   const std::pair<int, const wchar_t*> login_lines[] = {
       {1, L"localhost"}, {2, L"443"}, {3, L"cnkeg"}, {4, L"u5etgv"}, {6, L"MACHINECODEREADONLY"}};
   for (const auto& [n, value] : login_lines) EXPECT_EQ(RequestLine(runs[1], n), value) << n;
+  EXPECT_EQ(runs[2].request, runs[1].request) << "the session completes with the login's request";
   EXPECT_EQ(RequestLine(runs[0], 6), L"Does not exist");
   EXPECT_EQ(procedure_.result_code(), 403);
   EXPECT_EQ(ExchangeFolders(), 0u);
@@ -295,6 +296,18 @@ TEST_F(LoginTest, EmailWithSeveralAccountsOffersAChoiceAndLogsInOnTheNextPress) 
   EXPECT_NE(TraceText().find("User name changed in combo"), std::string::npos);
 }
 
+TEST_F(LoginTest, AFailedCheckAfterSeveralAccountsKeepsTheTextBoxAndResolvesAgain) {
+  EngineScenario s = Happy({110, 117});
+  s.On(117).Output(402).On(110).Info(-507);
+  install_.SetScenario(s);
+  AccountsOfEmail(L"bob|carol");
+  view_.user_name = kEmail;
+  EXPECT_FALSE(PressLogin());
+  EXPECT_FALSE(view_.choice_shown);
+  EXPECT_FALSE(PressLogin());
+  EXPECT_EQ(Codes(), (std::vector<int>{117, 110, 117, 110}));
+}
+
 TEST_F(LoginTest, WrongEncryptionPasswordAsksAgainAndRepeatsTheSession) {
   EngineScenario s = Happy({111});
   s.On(111).Info(-404).Then().Info(-404).Then().Output(403);
@@ -377,10 +390,12 @@ TEST_F(LoginTest, AChangedUserNameTakesThatUsersRememberSetting) {
   auto store = profile::ProfileStore::ForCurrentInstallation();
   store.UpdateForUser(L"alice", L"remunamepwd", L"0");
   store.UpdateForUser(L"alice", L"random", L"12345");
+  store.UpdateForUser(L"alice", L"port", L"8443");
   LoginProcedure procedure(view_, L"someone");
   EXPECT_TRUE(procedure.OnLogin());
   EXPECT_FALSE(view_.remember);
   EXPECT_EQ(RequestLine(install_.Journal()[0], 6), L"12345");
+  for (const auto& run : install_.Journal()) EXPECT_EQ(RequestLine(run, 2), L"8443") << "the account's port";
   EXPECT_NE(TraceText().find("User name changed"), std::string::npos);
 }
 
