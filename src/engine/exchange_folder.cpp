@@ -36,7 +36,8 @@ ScopedExchangeFolder::~ScopedExchangeFolder() {
 
 bool CallerFolderExists(const std::wstring& folder, const std::wstring& method) {
   if (foundation::FolderExists(folder)) return true;
-  foundation::Trace(method + L" :: no exchange folder '" + folder + L"'");
+  // What writing the request into it would have reported.
+  foundation::TraceException(method, L"Path not found: " + folder);
   return false;
 }
 

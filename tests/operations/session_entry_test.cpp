@@ -121,7 +121,7 @@ TEST_F(Entry, CallsWithoutTheCallersFolderTouchNothing) {
   for (const char* name : {"DLLInput.txt", "restdestdir.txt", "MPC.ini"}) {
     EXPECT_FALSE(fs::exists(install_.path() / name)) << name;
   }
-  EXPECT_NE(TraceText().find("API_REMOTE :: no exchange folder"), std::string::npos);
+  EXPECT_NE(TraceText().find("[EXCEPTION] API_REMOTE() : Path not found: "), std::string::npos);
 }
 
 }  // namespace
