@@ -48,7 +48,8 @@ class ComUICommands final : public DispatchObject<ComUICommands, _UICommands, II
     VariantInit(result);
     Run<L"UI_Session_Command">([&](auto& c) {
       Ref<LongRef> handle(hHandle);
-      StoreVariant(result, [&] { return c.UI_Session_Command(handle.value); });
+      // The command gives its caller no value: the VARIANT stays empty.
+      c.UI_Session_Command(handle.value);
     });
     return S_OK;
   }
