@@ -261,6 +261,13 @@ std::wstring LoginProcedure::RandomNumber() const {
   return random;
 }
 
+void LoginProcedure::LoadStoredKey() {
+  auto store = profile::ProfileStore::ForCurrentInstallation();
+  enc_password_ = store.GetForUser(user_, L"encpasswordnew");
+  if (enc_password_.empty()) enc_password_ = store.GetForUser(user_, L"encpassword");
+  status_key_ = store.GetForUser(user_, L"StatusKey");
+}
+
 bool LoginProcedure::Run() {
   foundation::LoadConfigurations();
   auto store = profile::ProfileStore::ForCurrentInstallation();
@@ -271,9 +278,7 @@ bool LoginProcedure::Run() {
   user_ = EnteredUser();
   email_resolved_ = from_combo;
   email_ = entry_.find(L'@') != std::wstring::npos ? entry_ : L"";
-  enc_password_ = store.GetForUser(user_, L"encpasswordnew");
-  if (enc_password_.empty()) enc_password_ = store.GetForUser(user_, L"encpassword");
-  status_key_ = store.GetForUser(user_, L"StatusKey");
+  LoadStoredKey();
   if (!profile::SameUserName(user_, opened_user_)) {
     Trace(from_combo ? L"User name changed in combo" : L"User name changed");
     std::wstring remember = store.GetForUser(user_, L"remunamepwd");
@@ -452,6 +457,8 @@ bool LoginProcedure::ResolveEmail(bool& go_on) {
   Trace(L"Email Id resolved");
   if (names.size() == 1) {
     user_ = names.front();
+    // The address's profile holds no key of its own: the account's is sent and kept.
+    LoadStoredKey();
     email_resolved_ = true;
     go_on = true;
     return true;

@@ -127,6 +127,8 @@ class LoginProcedure {
   void Unlock();
   void ShowMacAccount();
   std::wstring RandomNumber() const;
+  // The encryption password and key status stored for user_.
+  void LoadStoredKey();
   // txtUserName, or ComboUserName while it is shown.
   std::wstring EnteredUser() const;
 

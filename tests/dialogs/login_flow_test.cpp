@@ -255,6 +255,9 @@ TEST_F(LoginTest, EmailWithOneAccountLogsThatAccountInStraightAway) {
   s.On(117).Output(1000).WithFile("DLLOutput1.txt", "not this one\r\n");
   install_.SetScenario(s);
   AccountsOfEmail(L" bob ");
+  auto store = profile::ProfileStore::ForCurrentInstallation();
+  store.UpdateForUser(L"bob", L"encpassword", L"key1");
+  store.UpdateForUser(L"bob", L"StatusKey", L"902");
   view_.user_name = kEmail;
   ASSERT_TRUE(PressLogin());
   EXPECT_FALSE(view_.choice_shown);
@@ -262,7 +265,9 @@ TEST_F(LoginTest, EmailWithOneAccountLogsThatAccountInStraightAway) {
   auto runs = install_.Journal();
   EXPECT_EQ(RequestLine(runs[0], 3), L"dqdBgzcorng0eqo");  // the address, shifted
   EXPECT_EQ(RequestLine(runs[1], 3), L"dqd");              // bob
-  auto store = profile::ProfileStore::ForCurrentInstallation();
+  EXPECT_EQ(RequestLine(runs[1], 5), L"mg{3");             // bob's stored key1, shifted
+  EXPECT_EQ(store.GetForUser(L"bob", L"encpasswordnew"), L"key1");
+  EXPECT_EQ(store.GetForUser(L"bob", L"StatusKey"), L"902");
   EXPECT_EQ(profile::CurrentUserName(), L"bob");
   EXPECT_EQ(store.GetForUser(L"bob", L"useremailid"), kEmail);
   EXPECT_EQ(store.GetForUser(L"bob", L"useremailidExist"), L"1");
