@@ -133,12 +133,14 @@ TEST_F(LoginTest, EachFailureCodeShowsItsOneMessageAndLeavesTheProfileAlone) {
       AccountsOfEmail(L"bob");
       EngineScenario s = Happy({call});
       if (call != 117) s.On(117).Output(402);
-      s.On(call).Info(code);
+      // The engine marks a login in progress in the application folder.
+      s.On(call).Info(code).WithFile("../../LoginProgress.txt", "1");
       install_.SetScenario(s);
       foundation::CurrentSettings().renew_random_permitted = false;
       LoginProcedure procedure(view_, L"");
       EXPECT_FALSE(procedure.OnLogin());
       if (row.text) {
+        EXPECT_FALSE(fs::exists(install_.path() / "LoginProgress.txt"));
         ASSERT_EQ(ui_.boxes().size(), 1u);
         EXPECT_EQ(ui_.boxes()[0].text, row.text);
         EXPECT_EQ(ui_.boxes()[0].title, row.title);
@@ -198,6 +200,7 @@ TEST_F(LoginTest, SuccessSendsTheEnteredAccountAndSavesTheProfile) {
   EXPECT_EQ(trace.find("s3cret"), std::string::npos) << "secrets never reach the trace log";
   for (const char* line : {"Checking for account status calling CheckDefEncStatus",
                            "Return value from 110 calling : 901", "Entered into ENC_STATUS_DEFAULT",
+                           "bEncKeyStausRetVal value : True",
                            "New3 : g_IPAddress : localhost", "New3 : OutgoingPort : 443"}) {
     EXPECT_NE(trace.find(line), std::string::npos) << line;
   }
@@ -290,6 +293,7 @@ TEST_F(LoginTest, EmailWithSeveralAccountsOffersAChoiceAndLogsInOnTheNextPress) 
             L"There are multiple accounts associated with this email address. Choose the username "
             L"with which you want to login.");
   EXPECT_EQ(Codes(), (std::vector<int>{117, 110}));
+  EXPECT_NE(TraceText().find("Return Value from CheckDefEncKeyStatus\r\n"), std::string::npos);
   EXPECT_FALSE(view_.locked);
   EXPECT_FALSE(Saved(L"bob"));
 
