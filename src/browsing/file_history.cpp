@@ -1,14 +1,15 @@
 #include "browsing/file_history.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "browsing/browsing_state.h"
 #include "browsing/file_time.h"
+#include "browsing/remote_tree.h"
 #include "engine/cls_client.h"
 #include "foundation/file_system.h"
 #include "foundation/settings.h"
 #include "foundation/text_file.h"
-#include "foundation/text_util.h"
 #include "foundation/tokenizer.h"
 #include "foundation/trace_log.h"
 #include "operations/cls_api_interface.h"
@@ -22,9 +23,8 @@ constexpr const wchar_t* kClass = L"CTavrinEFileHistory";
 constexpr std::int32_t kVersionNumberLimit = 100000;
 
 std::int64_t WholeNumber(const std::wstring& text) {
-  double value = foundation::LeadingNumber(text);
-  if (!(value > -9.2e18 && value < 9.2e18)) return 0;
-  return static_cast<std::int64_t>(value);
+  return LeadingFieldInteger(text, std::numeric_limits<std::int64_t>::min(),
+                             std::numeric_limits<std::int64_t>::max());
 }
 
 void ConvertVersionDate(const std::wstring& text, FileTime& out) {

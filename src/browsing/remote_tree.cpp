@@ -171,6 +171,10 @@ void FillNumbersAndDate(const Fields<Char>& fields, FindData& data) {
 
 }  // namespace
 
+std::int64_t LeadingFieldInteger(std::wstring_view field, std::int64_t low, std::int64_t high) {
+  return LeadingInteger(field, low, high);
+}
+
 void FillFromLine(std::wstring_view line, std::size_t name_begin, FindData& data) {
   std::size_t path_end = line.find(L'/', std::min(name_begin, line.size()));
   if (path_end == line.npos) path_end = line.size();

@@ -195,4 +195,8 @@ class RemoteListing {
 // (the plain scan and the version history use it).
 void FillFromLine(std::wstring_view line, std::size_t name_begin, FindData& data);
 
+// The whole number a field starts with (blanks, a sign, digits) in [low, high];
+// 0 when it starts with none. Read as an integer, so 64-bit sizes stay exact.
+std::int64_t LeadingFieldInteger(std::wstring_view field, std::int64_t low, std::int64_t high);
+
 }  // namespace tavrine::browsing
