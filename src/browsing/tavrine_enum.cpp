@@ -34,7 +34,8 @@ std::wstring MachineFile(const std::wstring& user) {
 
 // Machines of a "List" text: items split at ";", fields at "|"; an item is
 // taken when its third field is 1, or when it is the single-computer form.
-std::vector<std::wstring> MachinesOfList(const std::wstring& list) {
+// `method` names the caller in the trace line of a name left out.
+std::vector<std::wstring> MachinesOfList(const std::wstring& list, const wchar_t* method) {
   std::vector<std::wstring> machines;
   foundation::StringTokenizer items(list, L";");
   while (items.hasMoreTokens()) {
@@ -47,7 +48,7 @@ std::vector<std::wstring> MachinesOfList(const std::wstring& list) {
                        (fields.size() == 2 && fields[1] == L"0");
     if (!taken) continue;
     if (!profile::IsSafeName(fields[0])) {
-      Trace(L"ReadMachineList : a machine name that cannot be a folder name is left out");
+      Trace(std::wstring(method) + L" : a machine name that cannot be a folder name is left out");
       continue;
     }
     machines.push_back(fields[0]);
@@ -279,7 +280,7 @@ std::int32_t TavrinEenum::GetMultiplePCInfo() {
           AddMachine(state.machine_list, user);
           hosts_text = user + L"|0;";
         } else {
-          for (const std::wstring& machine : MachinesOfList(list))
+          for (const std::wstring& machine : MachinesOfList(list, L"GetMultiplePCInfo"))
             if (!IsItemExists(machine)) state.machine_list.push_back(machine);
         }
         const std::wstring file = MachineFile(user);
@@ -321,7 +322,8 @@ std::int32_t TavrinEenum::ReadMachineList() {
       platform::WriteIniString(L"MPC", L"Hosts", user + L"|" + L"0;", file);
       platform::WriteIniString(L"MPC", L"HostCount", L"1", file);
     } else {
-      for (const std::wstring& machine : MachinesOfList(list)) AddMachine(state.machine_list, machine);
+      for (const std::wstring& machine : MachinesOfList(list, L"ReadMachineList"))
+        AddMachine(state.machine_list, machine);
       foundation::CreateFolder(BrowsingUserFolder(user));
       platform::WriteIniString(L"MPC", L"Hosts", list, file);
       platform::WriteIniString(L"MPC", L"HostCount", std::to_wstring(state.machine_list.size()),
