@@ -69,14 +69,17 @@ TEST_F(RestoreTest, VersionRetries) {
     const char* name;
     EngineScenario scenario;
     std::int32_t result;
-    std::size_t runs;
-    std::size_t retry_pauses;  // of 100 ms, besides those between the wait's slices
+    std::vector<int> codes;
+    std::size_t retry_pauses;  // of 100 ms, besides those between the version runs' slices
   };
   const Case cases[] = {
-      {"three -416 answers", EngineScenario().On(113).Output(-416), -416, 3, 3},
-      {"-416 then 402", EngineScenario().On(113).Output(-416).Then().Output(402), 402, 2, 1},
-      {"first answer 402", EngineScenario().On(113).Output(402), 402, 1, 0},
-      {"-403 ends at once", EngineScenario().On(113).Output(-403), -403, 1, 0},
+      {"three -416 answers", EngineScenario().On(113).Output(-416), -416, {113, 113, 113}, 3},
+      {"-416 then 402", EngineScenario().On(113).Output(-416).Then().Output(402), 402, {113, 113}, 1},
+      {"first answer 402", EngineScenario().On(113).Output(402), 402, {113}, 0},
+      {"-504 logs in again, then retries",
+       EngineScenario().On(113).Info(-504).Then().Output(402).On(116).Output(402), 402,
+       {113, 116, 113}, 1},
+      {"-403 ends at once", EngineScenario().On(113).Output(-403), -403, {113}, 0},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -86,13 +89,17 @@ TEST_F(RestoreTest, VersionRetries) {
     SliceCountingLauncher launcher;
     platform::ScopedServices counting({.launcher = &launcher, .module_folder = {}});
     EXPECT_EQ(operations::CRestore().W_GetVersions(L"C:\\Docs\\a.txt"), c.result);
-    EXPECT_EQ(install_.Journal().size(), c.runs);
+    ASSERT_EQ(install_.Codes(), c.codes);
     EXPECT_EQ(clock_.pauses(), std::vector<std::uint32_t>(clock_.pauses().size(), 100u));
-    EXPECT_EQ(clock_.pauses().size() - static_cast<std::size_t>(launcher.TotalRunningSlices()),
-              c.retry_pauses);
+    std::size_t version_slices = 0;  // the login run waits without pauses
+    for (std::size_t i = 0; i < c.codes.size(); ++i)
+      if (c.codes[i] == 113) version_slices += static_cast<std::size_t>(launcher.RunningSlices(i));
+    EXPECT_EQ(clock_.pauses().size() - version_slices, c.retry_pauses);
   }
-  // -403 showed the password-changed text with a stop icon.
+  // Only -403 showed a box: the password-changed text with a stop icon.
   ASSERT_EQ(ui_.boxes().size(), 1u);
+  EXPECT_NE(ui_.boxes()[0].text.find(L"change of password"), std::wstring::npos);
+  EXPECT_EQ(ui_.boxes()[0].style & platform::kMbIconStop, platform::kMbIconStop);
 }
 
 TEST_F(RestoreTest, VersionsFolderIsTheMethodsOwnAndTheWaitPausesWithoutMessages) {
