@@ -52,6 +52,14 @@ void StoreFindData(const Portable& in, TavrinE_WIN32_FIND_DATA& out) {
   UniqueBstr(std::exchange(out.strUnimode, mode.release()));
 }
 
+// A result variant that holds a long starts as the failure value, so a call
+// that fails before the portable one answers still reports -1.
+inline void StoreFailLong(VARIANT* result) {
+  VariantInit(result);
+  V_VT(result) = VT_I4;
+  V_I4(result) = kFailLong;
+}
+
 template <class Impl>
 using FindDataOf = typename Impl::FindData;
 template <class Impl>
@@ -76,7 +84,7 @@ class ComTavrinEenum final : public DispatchObject<ComTavrinEenum, _TavrinEenum,
   }
   STDMETHODIMP TavrinEFindFirstFile(BSTR strFileName, TavrinE_WIN32_FIND_DATA* wd, VARIANT* result) override {
     if (!wd || !result) return E_POINTER;
-    VariantInit(result);
+    StoreFailLong(result);
     Run<L"TavrinEFindFirstFile">([&](auto& c) {
       FindDataOf<std::remove_reference_t<decltype(c)>> data;
       LoadFindData(*wd, data);
@@ -127,13 +135,13 @@ class ComTavrinEenum final : public DispatchObject<ComTavrinEenum, _TavrinEenum,
   }
   STDMETHODIMP GetMultiplePCInfo(VARIANT* result) override {
     if (!result) return E_POINTER;
-    VariantInit(result);
+    StoreFailLong(result);
     Run<L"GetMultiplePCInfo">([&](auto& c) { StoreVariant(result, [&] { return c.GetMultiplePCInfo(); }); });
     return S_OK;
   }
   STDMETHODIMP ReadMachineList(VARIANT* result) override {
     if (!result) return E_POINTER;
-    VariantInit(result);
+    StoreFailLong(result);
     Run<L"ReadMachineList">([&](auto& c) { StoreVariant(result, [&] { return c.ReadMachineList(); }); });
     return S_OK;
   }
