@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <deque>
 #include <filesystem>
 #include <initializer_list>
 #include <stdexcept>
@@ -332,15 +333,38 @@ TEST_F(LoginTest, WrongEncryptionPasswordAsksAgainAndRepeatsTheSession) {
   EXPECT_EQ(TraceText().find("key2"), std::string::npos);
 }
 
-TEST_F(LoginTest, ClosingThePasswordDialogEndsTheLoginQuietly) {
-  EngineScenario s = Happy({111});
-  s.On(111).Info(-404);
-  install_.SetScenario(s);
-  view_.psd_answers = {{false, L""}};
-  EXPECT_FALSE(PressLogin());
-  EXPECT_TRUE(ui_.boxes().empty());
-  EXPECT_FALSE(view_.locked);
-  EXPECT_FALSE(Saved(L"alice"));
+// The service keeps answering -404: closing the dialog ends the login quietly,
+// and a user who keeps trying is stopped after the last ask.
+TEST_F(LoginTest, AnEncryptionPasswordTheServiceNeverTakesEndsTheLogin) {
+  const dialogs::KeyChoice closed{false, L""}, given{true, L"guess"};
+  const struct {
+    std::deque<dialogs::KeyChoice> answers;
+    int shows;
+    const wchar_t* box;  // nullptr: none
+  } rows[] = {
+      {{closed}, 1, nullptr},
+      {std::deque<dialogs::KeyChoice>(kMaxEncryptionPasswordAsks + 1, given), kMaxEncryptionPasswordAsks,
+       L"Incorrect encryption password"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.shows);
+    Fresh(L"alice");
+    EngineScenario s = Happy({111});
+    s.On(111).Info(-404);
+    install_.SetScenario(s);
+    view_.psd_answers = row.answers;
+    EXPECT_FALSE(PressLogin());
+    EXPECT_EQ(view_.psd_shows, row.shows);
+    if (row.box) {
+      ASSERT_EQ(ui_.boxes().size(), 1u);
+      EXPECT_EQ(ui_.boxes()[0].text, row.box);
+    } else {
+      EXPECT_TRUE(ui_.boxes().empty());
+    }
+    EXPECT_FALSE(view_.locked);
+    EXPECT_FALSE(Saved(L"alice"));
+    EXPECT_EQ(ExchangeFolders(), 0u);
+  }
 }
 
 struct StatusRow {
