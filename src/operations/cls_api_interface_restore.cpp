@@ -85,10 +85,12 @@ std::int32_t clsAPI_Interface::API_ENTRY_RESTORE(const std::wstring& destPath,
         std::wstring user = profile::GetUserProfile(L"UserName");
         if (user.empty()) user = current_user_;
         platform::WriteIniString(L"MPC", L"Hosts", user + L"|0;", mpc);
-      } else if (auto entry = HostEntryFor(platform::ReadIniString(L"MPC", L"Hosts", mpc), machine)) {
-        platform::WriteIniString(L"MPC", L"Hosts", *entry, mpc);
       } else {
-        foundation::Trace(L"API_ENTRY_RESTORE :: no host entry for " + machine);
+        auto entry = HostEntryFor(platform::ReadIniString(L"MPC", L"Hosts", mpc), machine);
+        // No entry names the computer: the list is narrowed to none rather than
+        // left whole, which would point the engine at another computer's backup.
+        if (!entry) foundation::Trace(L"API_ENTRY_RESTORE :: no host entry for " + machine);
+        platform::WriteIniString(L"MPC", L"Hosts", entry.value_or(L";"), mpc);
       }
     }
     platform::WriteIniString(L"MPC", L"HostCount", L"1", mpc);

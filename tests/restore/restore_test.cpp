@@ -31,6 +31,8 @@ TEST_F(RestoreTest, RequestFilesPerHostCount) {
       {L"1", L"C:\\Restore", L"\\", L"C:\\Restore", L"\\", two_hosts, true},
       {L"1", L"C:\\R", L"", L"C:\\R", L"", two_hosts, true},
       {L"2", L"C:\\R\\", L"pc2\\C:\\Data", L"C:\\R", L"C:\\Data", L"PC2|0|1;", true},
+      // A computer the hosts do not name narrows them to none, not to the first.
+      {L"2", L"C:\\R", L"PC9\\C:\\Data", L"C:\\R", L"C:\\Data", L";", true},
       {L"", L"C:\\R", L"C:\\Data\\", L"C:\\R", L"C:\\Data", L"alice|0;", false},
       {L"0", L"C:\\R", L"C:\\Data\\", L"C:\\R", L"C:\\Data", L"alice|0;", false},
   };
