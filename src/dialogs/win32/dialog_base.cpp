@@ -259,11 +259,31 @@ void OpenHelpTopic(const wchar_t* topic) {
   OpenWithShell(L"hh.exe", foundation::JoinPath(platform::ModuleFolder(), topic));
 }
 
+namespace {
+thread_local ScopedShellOpener* installed_opener = nullptr;
+}
+
+ScopedShellOpener::ScopedShellOpener(ShellOpener opener)
+    : opener_(std::move(opener)), saved_(installed_opener) {
+  installed_opener = this;
+}
+ScopedShellOpener::~ScopedShellOpener() { installed_opener = saved_; }
+
 std::intptr_t OpenWithShell(const std::wstring& target, const std::wstring& parameters) {
-  HINSTANCE result = ShellExecuteW(nullptr, L"open", target.c_str(),
-                                   parameters.empty() ? nullptr : parameters.c_str(), nullptr,
-                                   SW_SHOWNORMAL);
-  return reinterpret_cast<std::intptr_t>(result);
+  std::intptr_t result = 0;
+  if (installed_opener) {
+    result = installed_opener->opener_(target, parameters);
+  } else {
+    result = reinterpret_cast<std::intptr_t>(
+        ShellExecuteW(nullptr, L"open", target.c_str(),
+                      parameters.empty() ? nullptr : parameters.c_str(), nullptr, SW_SHOWNORMAL));
+  }
+  // A page or topic that did not open leaves the user with nothing: say which.
+  if (result <= 32) {
+    foundation::Trace(L"Could not open " + target + (parameters.empty() ? L"" : L" " + parameters) +
+                      L" : " + std::to_wstring(result));
+  }
+  return result;
 }
 
 }  // namespace tavrine::dialogs::win32

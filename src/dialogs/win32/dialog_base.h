@@ -2,6 +2,7 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -115,5 +116,22 @@ class DialogBase {
 std::intptr_t OpenWithShell(const std::wstring& target, const std::wstring& parameters = L"");
 // Opens a topic of the help file in the application folder with hh.exe.
 void OpenHelpTopic(const wchar_t* topic);
+
+// Takes the place of the shell for OpenWithShell on this thread while it
+// lives, so that tests see which page or help topic a dialog asks for
+// without a browser or help viewer starting.
+using ShellOpener = std::function<std::intptr_t(const std::wstring& target, const std::wstring& parameters)>;
+class ScopedShellOpener {
+ public:
+  explicit ScopedShellOpener(ShellOpener opener);
+  ~ScopedShellOpener();
+  ScopedShellOpener(const ScopedShellOpener&) = delete;
+  ScopedShellOpener& operator=(const ScopedShellOpener&) = delete;
+
+ private:
+  friend std::intptr_t OpenWithShell(const std::wstring& target, const std::wstring& parameters);
+  ShellOpener opener_;
+  ScopedShellOpener* saved_;
+};
 
 }  // namespace tavrine::dialogs::win32

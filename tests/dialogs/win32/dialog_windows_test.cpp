@@ -14,8 +14,10 @@
 
 #include "dialogs/win32/dialogs_win32.h"
 #include "dialogs/win32/resource.h"
+#include "foundation/file_system.h"
 #include "foundation/settings.h"
 #include "operations/ui_commands.h"
+#include "platform/module_folder.h"
 #include "png_writer.h"
 #include "profile/profile_store.h"
 #include "support/engine_harness.h"
@@ -342,6 +344,60 @@ TEST_P(DialogWindows, SessionWindowShowsUserServerAndQuota) {
   EXPECT_EQ(quota, L"1.00 GB / 2.00 GB");
 }
 
+// A link label's click as its dialog receives it.
+void ClickLink(HWND dialog, int id) {
+  PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(id, STN_CLICKED),
+               reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
+}
+
+TEST_P(DialogWindows, HelpLinksOpenTheirTopicAndPageLinksCarryTheLanguage) {
+  std::vector<std::pair<std::wstring, std::wstring>> opened;
+  ScopedShellOpener shell([&opened](const std::wstring& target, const std::wstring& parameters) {
+    opened.emplace_back(target, parameters);
+    return std::intptr_t{42};
+  });
+  auto press = [](int link, int close) {
+    return [link, close](HWND window) {
+      ClickLink(window, link);
+      Click(window, close);
+    };
+  };
+  const std::wstring key_title = German() ? L"Verschlüsselungsschlüssel" : L"Encryption key";
+  bool all_shown = true;
+  {
+    EncKeyOptionDialog dialog;
+    Driver driver(key_title, press(IDC_lblHelp, IDC_IDCancel));
+    dialog.Show(nullptr);
+    all_shown = all_shown && driver.done();
+  }
+  {
+    EncryptionPsdDialog dialog;
+    Driver driver(key_title, press(IDC_lblHelp, IDC_IDCancel));
+    dialog.Show(nullptr);
+    all_shown = all_shown && driver.done();
+  }
+  {
+    ProxyDialog dialog;
+    Driver driver(German() ? L"Proxy-Einstellungen" : L"Proxy Settings", press(IDC_lblHelp, IDC_Cancel));
+    dialog.Show(nullptr);
+    all_shown = all_shown && driver.done();
+  }
+  {
+    LoginDialog dialog;
+    Driver driver(std::wstring(kCaption) + L" - Login", press(IDC_picForgotPassword, IDC_Cancel));
+    dialog.Show(nullptr);
+    all_shown = all_shown && driver.done();
+  }
+  EXPECT_TRUE(all_shown);
+  const std::wstring help_file = foundation::JoinPath(platform::ModuleFolder(), L"Help.chm");
+  const std::vector<std::pair<std::wstring, std::wstring>> expected = {
+      {L"hh.exe", help_file + L"::/A/Tavrin/Features.htm"},
+      {L"hh.exe", help_file + L"::/A/Tavrin/Features.htm"},
+      {L"hh.exe", help_file + L"::/A/Getting_Started/Proxy_Settings.htm"},
+      {std::wstring(L"https://www.tavrine.com/forgot") + (German() ? L"&country=DE&lang=de" : L""), L""}};
+  EXPECT_EQ(opened, expected);
+}
+
 INSTANTIATE_TEST_SUITE_P(Languages, DialogWindows, ::testing::Values("English", "German"));
 
 class LoginCommand : public WindowsTest {
@@ -427,6 +483,27 @@ TEST_F(LoginCommand, HoverImagesFollowTheMouse) {
   EXPECT_NE(before, nullptr);
   EXPECT_NE(over, before);
   EXPECT_EQ(after, before);
+}
+
+TEST(ToolTips, TextsCountAndShapeOfAToolTipWindow) {
+  UniqueWindow parent(CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 200, 100, nullptr, nullptr,
+                                      nullptr, nullptr));
+  ASSERT_TRUE(parent.get());
+  HWND control = CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 50, 20, parent.get(), nullptr,
+                                 nullptr, nullptr);
+  clsToolTip tips;
+  ASSERT_TRUE(tips.Create(parent.get()));
+  EXPECT_TRUE(tips.AddTool(control, L"Zwei Zeilen\r\nmit Umlaut \u00e4"));
+  EXPECT_EQ(tips.ToolTipCount(), 1);
+  EXPECT_EQ(tips.ToolTipText(control), L"Zwei Zeilen\r\nmit Umlaut \u00e4");
+  // The shape changes on the window that exists, not only on the next Create.
+  tips.SetBalloon(true);
+  EXPECT_TRUE(tips.Balloon());
+  EXPECT_NE(GetWindowLongPtrW(tips.ToolTipHandle(), GWL_STYLE) & TTS_BALLOON, 0);
+  tips.SetBalloon(false);
+  EXPECT_EQ(GetWindowLongPtrW(tips.ToolTipHandle(), GWL_STYLE) & TTS_BALLOON, 0);
+  EXPECT_TRUE(tips.RemoveToolTip(control));
+  EXPECT_EQ(tips.ToolTipCount(), 0);
 }
 
 }  // namespace
