@@ -43,7 +43,15 @@ bool clsToolTip::RemoveToolTip(HWND control) {
   return true;
 }
 
-void clsToolTip::SetBalloon(bool balloon) { balloon_ = balloon; }
+// The dialogs make their tooltip window before they set it up, so the shape
+// must also change on a window that exists.
+void clsToolTip::SetBalloon(bool balloon) {
+  balloon_ = balloon;
+  if (!window_.get()) return;
+  LONG_PTR style = GetWindowLongPtrW(window_.get(), GWL_STYLE);
+  style = balloon ? (style | TTS_BALLOON) : (style & ~static_cast<LONG_PTR>(TTS_BALLOON));
+  SetWindowLongPtrW(window_.get(), GWL_STYLE, style);
+}
 
 COLORREF clsToolTip::BackColor() const {
   return static_cast<COLORREF>(SendMessageW(window_.get(), TTM_GETTIPBKCOLOR, 0, 0));

@@ -22,7 +22,7 @@ class clsToolTip {
   bool RemoveToolTip(HWND control);
 
   bool Balloon() const { return balloon_; }
-  void SetBalloon(bool balloon);  // takes effect on Create
+  void SetBalloon(bool balloon);  // before or after Create
   COLORREF BackColor() const;
   void SetBackColor(COLORREF color);
   COLORREF ForeColor() const;
