@@ -291,19 +291,20 @@ bool LoginProcedure::Run() {
     view_.FocusUserName();
     return false;
   }
+  password_ = view_.PasswordText();
+  if (password_.empty()) {
+    ShowStop(LoginMessageText(LoginMessage::kPasswordMissing), L"");
+    view_.FocusPassword(false);
+    return false;
+  }
   // The name becomes a profile key and a folder: one that could leave them
-  // ("bob.", "con", "a/b") is no account of ours.
+  // ("bob.", "con", "a/b") is no account of ours. Checked after the two
+  // missing-input checks, so that those keep their order and messages.
   if (!profile::IsSafeName(user_)) {
     ShowStop(
         LoginMessageText(email_.empty() ? LoginMessage::kBadUserName : LoginMessage::kBadEmail),
         L"");
     view_.FocusUserName();
-    return false;
-  }
-  password_ = view_.PasswordText();
-  if (password_.empty()) {
-    ShowStop(LoginMessageText(LoginMessage::kPasswordMissing), L"");
-    view_.FocusPassword(false);
     return false;
   }
 

@@ -224,7 +224,8 @@ TEST_F(LoginTest, MissingInputOrANameThatCannotBeAnAccountStopsBeforeAnyEngineRu
       {L"con", L"pw", kBadName, L"user"},
       {L"LPT1.txt", L"pw", kBadName, L"user"},
       {L"../alice", L"pw", kBadName, L"user"},
-      {L"a\\b", L"", kBadName, L"user"},
+      {L"a\\b", L"pw", kBadName, L"user"},
+      {L"a\\b", L"", L"Enter your password.", L"password"},  // the missing input first
       {L"x/y@example.com", L"pw", kBadEmail, L"user"},
   };
   install_.SetScenario(Happy());
