@@ -256,7 +256,8 @@ void DialogBase::Focus(int id, bool select_all) {
 void DialogBase::Enable(int id, bool enabled) { EnableWindow(Item(id), enabled); }
 
 void OpenHelpTopic(const wchar_t* topic) {
-  OpenWithShell(L"hh.exe", foundation::JoinPath(platform::ModuleFolder(), topic));
+  // Quoted: the install folder usually has blanks in it ("Program Files").
+  OpenWithShell(L"hh.exe", L"\"" + foundation::JoinPath(platform::ModuleFolder(), topic) + L"\"");
 }
 
 namespace {

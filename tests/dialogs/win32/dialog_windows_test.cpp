@@ -389,11 +389,11 @@ TEST_P(DialogWindows, HelpLinksOpenTheirTopicAndPageLinksCarryTheLanguage) {
     all_shown = all_shown && driver.done();
   }
   EXPECT_TRUE(all_shown);
-  const std::wstring help_file = foundation::JoinPath(platform::ModuleFolder(), L"Help.chm");
+  const std::wstring help_file = L"\"" + foundation::JoinPath(platform::ModuleFolder(), L"Help.chm");
   const std::vector<std::pair<std::wstring, std::wstring>> expected = {
-      {L"hh.exe", help_file + L"::/A/Tavrin/Features.htm"},
-      {L"hh.exe", help_file + L"::/A/Tavrin/Features.htm"},
-      {L"hh.exe", help_file + L"::/A/Getting_Started/Proxy_Settings.htm"},
+      {L"hh.exe", help_file + L"::/A/Tavrin/Features.htm\""},
+      {L"hh.exe", help_file + L"::/A/Tavrin/Features.htm\""},
+      {L"hh.exe", help_file + L"::/A/Getting_Started/Proxy_Settings.htm\""},
       {std::wstring(L"https://www.tavrine.com/forgot") + (German() ? L"&country=DE&lang=de" : L""), L""}};
   EXPECT_EQ(opened, expected);
 }
