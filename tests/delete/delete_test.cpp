@@ -18,14 +18,7 @@ using testing::SessionTest;
 
 constexpr char kList[] = "C:\\Docs\\a.txt\r\nC:\\Docs\\old\\\r\n";
 
-class RemoteDelete : public SessionTest {
- protected:
-  std::wstring WriteList() {
-    fs::path list = install_.path() / "to delete.txt";
-    testing::WriteFileBytes(list, kList);
-    return platform::FromFsPath(list);
-  }
-};
+using RemoteDelete = SessionTest;
 
 TEST_F(RemoteDelete, MissingListReturnsMinusOneWithoutStartingTheEngine) {
   install_.SetScenario(EngineScenario().On(6).Output(402));
@@ -64,14 +57,13 @@ TEST_F(RemoteDelete, OutcomePerAnswer) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    fs::remove(install_.path() / "engine-journal.txt");
-    install_.SetScenario(c.scenario);
+    install_.Restart(c.scenario);
     clock_.ClearPauses();
     ui_.set_open_windows({L"TavrinE - Deleting"});
     std::size_t boxes_before = ui_.boxes().size();
     std::size_t hidden_before = ui_.hidden_windows().size();
 
-    EXPECT_EQ(clsAPI_Interface().API_DELETE_REMOTE_FILE(WriteList()), c.result);
+    EXPECT_EQ(clsAPI_Interface().API_DELETE_REMOTE_FILE(DeleteList(kList)), c.result);
 
     auto runs = install_.Journal();
     ASSERT_EQ(runs.size(), c.runs);
@@ -97,17 +89,15 @@ TEST_F(RemoteDelete, OutcomePerAnswer) {
 
 TEST_F(RemoteDelete, UnregisteredMachineEndsAt401UnlessRenewalIsPermitted) {
   install_.SetScenario(EngineScenario().On(6).Info(-505));
-  EXPECT_EQ(clsAPI_Interface().API_DELETE_REMOTE_FILE(WriteList()), 401);
+  EXPECT_EQ(clsAPI_Interface().API_DELETE_REMOTE_FILE(DeleteList(kList)), 401);
   EXPECT_EQ(install_.Journal().size(), 1u);
   EXPECT_TRUE(ui_.boxes().empty());
   EXPECT_EQ(ExchangeFoldersLeft(), 0u);
 
-  fs::remove(install_.path() / "engine-journal.txt");
-  install_.SetScenario(
-      EngineScenario().On(6).Info(-505).Then().Output(402).On(5).Output(1));
+  install_.Restart(EngineScenario().On(6).Info(-505).Then().Output(402).On(5).Output(1));
   foundation::CurrentSettings().renew_random_permitted = true;
   clock_.ClearPauses();
-  EXPECT_EQ(clsAPI_Interface().API_DELETE_REMOTE_FILE(WriteList()), 1);
+  EXPECT_EQ(clsAPI_Interface().API_DELETE_REMOTE_FILE(DeleteList(kList)), 1);
   EXPECT_EQ(install_.Codes(), (std::vector<int>{6, 5, 6}));
   EXPECT_EQ(clock_.CountPauses(500), 1u);
   EXPECT_TRUE(ui_.boxes().empty());

@@ -53,11 +53,7 @@ class LoginTest : public testing::SessionTest {
     profile::ProfileStore::ForCurrentInstallation().UpdateForUser(kEmail, L"InteractiveLists",
                                                                   list);
   }
-  std::size_t ExchangeFolders() const {
-    fs::path temp = install_.path() / "Temp";
-    if (!fs::exists(temp)) return 0;
-    return static_cast<std::size_t>(std::distance(fs::directory_iterator(temp), fs::directory_iterator()));
-  }
+  std::size_t ExchangeFolders() const { return FoldersIn(install_.path() / "Temp"); }
 
   testing::FakeLoginView view_;
   LoginProcedure procedure_{view_, L""};

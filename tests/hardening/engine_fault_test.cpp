@@ -110,7 +110,7 @@ TEST_F(EngineFaults, EachOperationSurvivesEachFault) {
       const auto fault = static_cast<Fault>(index);
       SCOPED_TRACE(std::string(op.name) + ": " + kFaultNames[index]);
       fs::remove(UserListing());
-      Script(ScenarioFor(op, fault));
+      install_.Restart(ScenarioFor(op, fault));
       NewTrace();
       auto started = std::chrono::steady_clock::now();
       long long result = op.call();
@@ -127,7 +127,7 @@ TEST_F(EngineFaults, EachOperationSurvivesEachFault) {
       }
       EXPECT_LT(took, std::chrono::seconds(30));
 
-      Script(ScenarioFor(op, std::nullopt));
+      install_.Restart(ScenarioFor(op, std::nullopt));
       WriteFileBytes(UserListing(), std::string(kListing, sizeof kListing - 1));
       EXPECT_EQ(op.call(), op.good_result) << "the next good call";
     }
@@ -139,7 +139,7 @@ TEST_F(EngineFaults, BackupCompareSurvivesEachFault) {
   InstallCompareProgram(install_.path());
   EngineScenario listing;
   listing.On(115).Output(0).WithFile("Backupfile.txt", {kListing, sizeof kListing - 1});
-  Script(listing);
+  install_.Restart(listing);
   std::wstring folder = CallerFolder(L"backup");
   // Each gives no result (-1).
   for (const char* scenario : {"crash\n", "result \x01\xff garbage\n", "hang\n", "exit 0\n"}) {

@@ -33,18 +33,6 @@ class HardeningSession : public SessionTest {
     real_time_.reset();
     SessionTest::TearDown();
   }
-  // Replaces the scenario and starts the engine's answer queues again.
-  void Script(const EngineScenario& scenario) {
-    std::error_code ignored;
-    std::filesystem::remove(install_.path() / "engine-journal.txt", ignored);
-    install_.SetScenario(scenario);
-  }
-  // A list of one remote item to delete, as the shell side writes it.
-  std::wstring DeleteList() const {
-    const std::filesystem::path list = install_.path() / "to delete.txt";
-    WriteFileBytes(list, "C:\\a.txt\r\n");
-    return platform::FromFsPath(list);
-  }
   // Trace log bytes written since the last call.
   std::string NewTrace() {
     std::string all = TraceText();

@@ -100,7 +100,7 @@ TEST_F(Hostile, AStoredCurrentUserThatLeavesTheWorkRootIsRefused) {
   for (const wchar_t* user : {L"..", L"..\\..\\escape", L"../escape", L"a/../../escape"}) {
     SCOPED_TRACE(platform::WideToUtf8(user));
     ASSERT_TRUE(store.registry().WriteString(store.root_key(), profile::kCurrentUserValue, user));
-    Script(EngineScenario().On(114).Output(402).WithFile("Quota.txt", "1\r\n2\r\n"));
+    install_.Restart(EngineScenario().On(114).Output(402).WithFile("Quota.txt", "1\r\n2\r\n"));
     double max_size = 0, used = 0;
     operations::clsAPI_Interface().API_GetQuota(max_size, used);
     EXPECT_EQ(FilesOutside(install_.path().parent_path(), install_.path()), std::vector<fs::path>{});
@@ -117,7 +117,7 @@ TEST_F(Hostile, AWorkRootThatCannotHoldFoldersStartsNothing) {
   WriteFileBytes(blocker, "x");
   install_.WriteFile(L"UserName.ini",
                      "[Registry]\r\nVirtualPath=" + platform::WideToUtf8(platform::FromFsPath(blocker / "")) + "\r\n");
-  Script(EngineScenario().On(114).Output(402).On(116).Output(402).On(5).Output(404).On(113).Output(402).On(6).Output(402));
+  install_.Restart(EngineScenario().On(114).Output(402).On(116).Output(402).On(5).Output(404).On(113).Output(402).On(6).Output(402));
   fs::path cwd = fs::current_path();
   bool request_in_cwd_before = fs::exists(cwd / "DLLInput.txt");
 
@@ -158,7 +158,7 @@ class LateAnswerClock : public RealTimeClock {
 };
 
 TEST_F(Hostile, AResultFileThatAppearsLateIsStillRead) {
-  Script(EngineScenario().On(115).Exit(0));
+  install_.Restart(EngineScenario().On(115).Exit(0));
   std::wstring folder = CallerFolder(L"late");
   LateAnswerClock clock(platform::ToFsPath(folder));
   platform::ScopedServices late({.clock = &clock, .module_folder = {}});
@@ -171,7 +171,7 @@ TEST_F(Hostile, AResultFileThatAppearsLateIsStillRead) {
 TEST_F(Hostile, ARequestFileThatCannotBeWrittenEndsTheCall) {
   std::wstring folder = CallerFolder(L"locked");
   fs::create_directories(platform::ToFsPath(folder) / "DLLInput.txt");
-  Script(EngineScenario().On(115).Output(0));
+  install_.Restart(EngineScenario().On(115).Output(0));
   EXPECT_EQ(operations::clsAPI_Interface().API_REMOTE(folder), -412);
   for (const auto& run : install_.Journal()) {
     EXPECT_EQ(run.request.value_or(""), "") << "the engine saw a request";
@@ -206,7 +206,7 @@ TEST_F(Secrets, NoFileOrMessageOfAWholeSessionHoldsThePasswordOrKey) {
       .On(114).Output(402).WithFile("Quota.txt", "10\r\n20\r\n")
       .On(6).Info(-403, "password changed")
       .On(113).Info(-422);
-  Script(story);
+  install_.Restart(story);
 
   FakeLoginView view;
   view.user_name = L"alice";

@@ -45,10 +45,9 @@ TEST_F(Listing, UnregisteredMachineReturns401UnlessRenewalIsPermitted) {
   EXPECT_EQ(clsAPI_Interface().API_REMOTE(CallerFolder(L"m1")), 401);
   EXPECT_EQ(install_.Journal().size(), 1u);
 
-  fs::remove(install_.path() / "engine-journal.txt");  // the queues start again
-  install_.SetScenario(EngineScenario()
-                           .On(115).Info(-505).Then().Output(0).WithFile("Backupfile.txt", "x")
-                           .On(5).Output(404));
+  install_.Restart(EngineScenario()
+                       .On(115).Info(-505).Then().Output(0).WithFile("Backupfile.txt", "x")
+                       .On(5).Output(404));
   foundation::CurrentSettings().renew_random_permitted = true;
   clock_.ClearPauses();
   EXPECT_EQ(clsAPI_Interface().API_REMOTE(CallerFolder(L"m2")), 402);
@@ -72,8 +71,7 @@ TEST_F(Listing, ACancelMarkerEndsTheRunAndStartsNoOther) {
   EXPECT_EQ(clsAPI_Interface().API_REMOTE(folder), -1);
   EXPECT_EQ(install_.Journal().size(), 1u);
   fs::remove(platform::ToFsPath(folder) / "cancel.txt");
-  fs::remove(install_.path() / "engine-journal.txt");
-  install_.SetScenario(EngineScenario().On(115).Output(0).WithFile("Backupfile.txt", "x"));
+  install_.Restart(EngineScenario().On(115).Output(0).WithFile("Backupfile.txt", "x"));
   EXPECT_EQ(clsAPI_Interface().API_REMOTE(folder), 402);
 }
 
@@ -144,8 +142,7 @@ TEST_F(Quota, FailedAnswers) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    fs::remove(install_.path() / "engine-journal.txt");
-    install_.SetScenario(c.scenario);
+    install_.Restart(c.scenario);
     testing::WriteFileBytes(platform::ToFsPath(UserFolder()) / "LoginProgress.txt", "1");
     clock_.ClearPauses();
     const std::size_t boxes_before = ui_.boxes().size();

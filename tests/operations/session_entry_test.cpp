@@ -70,8 +70,7 @@ using UpdateRandom = SessionTest;
 TEST_F(UpdateRandom, StoresTheNewNumberWhateverTheAnswerBut416) {
   for (const auto& [code, runs] : {std::pair{-401, 1u}, {-416, 4u}}) {
     SCOPED_TRACE(code);
-    fs::remove(install_.path() / "engine-journal.txt");
-    install_.SetScenario(EngineScenario().On(5).Info(code));
+    install_.Restart(EngineScenario().On(5).Info(code));
     profile::UpdateUserProfile(L"random", L"old");
     EXPECT_EQ(clsAPI_Interface().API_UPDATE_RAND_NUM(), code);
     auto journal = install_.Journal();

@@ -36,11 +36,20 @@ std::wstring SessionTest::CallerFolder(const std::wstring& name) {
 }
 
 std::size_t SessionTest::ExchangeFoldersLeft() const {
+  return FoldersIn(platform::ToFsPath(TempRoot()));
+}
+
+std::size_t SessionTest::FoldersIn(const std::filesystem::path& root) {
   std::error_code ignored;
-  const std::filesystem::path root = platform::ToFsPath(TempRoot());
   if (!std::filesystem::is_directory(root, ignored)) return 0;
   return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(root),
                                                 std::filesystem::directory_iterator()));
+}
+
+std::wstring SessionTest::DeleteList(const std::string& items) const {
+  const std::filesystem::path list = install_.path() / "to delete.txt";
+  WriteFileBytes(list, items);
+  return platform::FromFsPath(list);
 }
 
 std::string SessionTest::TraceText() const {

@@ -1,6 +1,7 @@
 #pragma once
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -24,8 +25,11 @@ class SessionTest : public ::testing::Test {
   std::wstring TempRoot() const;
   // A caller-made exchange folder, as the shell side makes it.
   std::wstring CallerFolder(const std::wstring& name);
-  // Folders under TempRoot(); 0 when it is not there.
+  // Folders under TempRoot(), or under `root`; 0 when it is not there.
   std::size_t ExchangeFoldersLeft() const;
+  static std::size_t FoldersIn(const std::filesystem::path& root);
+  // A list of remote items to delete, as the shell side writes it.
+  std::wstring DeleteList(const std::string& items = "C:\\a.txt\r\n") const;
   std::string TraceText() const;
 
   EngineInstall install_;

@@ -85,8 +85,7 @@ TEST_F(RestoreTest, VersionRetries) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    std::filesystem::remove(install_.path() / "engine-journal.txt");  // the queues start again
-    install_.SetScenario(c.scenario);
+    install_.Restart(c.scenario);
     clock_.ClearPauses();
     SliceCountingLauncher launcher;
     platform::ScopedServices counting({.launcher = &launcher, .module_folder = {}});

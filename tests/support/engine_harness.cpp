@@ -4,21 +4,13 @@
 
 #include "platform/path.h"
 #include "support/install_folder.h"
+#include "tool_text.h"
 
 namespace tavrine::testing {
 
 namespace fs = std::filesystem;
 
-std::string Hex(std::string_view bytes) {
-  static constexpr char kDigits[] = "0123456789abcdef";
-  std::string hex;
-  for (char c : bytes) {
-    auto byte = static_cast<unsigned char>(c);
-    hex += kDigits[byte >> 4];
-    hex += kDigits[byte & 0xF];
-  }
-  return hex;
-}
+std::string Hex(std::string_view bytes) { return reftools::HexBytes(bytes); }
 
 namespace {
 
@@ -172,8 +164,10 @@ void EngineInstall::SetScenario(const EngineScenario& scenario) const {
   WriteFileBytes(path_ / "engine-scenario.txt", scenario.Text());
 }
 
-void EngineInstall::SetScenarioText(std::string_view text) const {
-  WriteFileBytes(path_ / "engine-scenario.txt", std::string(text));
+void EngineInstall::Restart(const EngineScenario& scenario) const {
+  std::error_code ignored;
+  fs::remove(path_ / "engine-journal.txt", ignored);
+  SetScenario(scenario);
 }
 
 void EngineInstall::WriteFile(std::wstring_view name, std::string_view bytes) const {

@@ -40,9 +40,8 @@ class EngineScenario {
   // Opens the next answer of the selected code. A code's last answer repeats.
   EngineScenario& Then();
 
-  // DLLOutput.txt "value\r\n"; OutputText writes any text as the line.
+  // DLLOutput.txt "value\r\n".
   EngineScenario& Output(long long value) { return Add("output " + std::to_string(value)); }
-  EngineScenario& OutputText(std::string_view line) { return Add("output " + std::string(line)); }
   // DLLOutputInfo.txt "code\r\n", then the description line if there is one.
   EngineScenario& Info(long long code) { return Add("info " + std::to_string(code)); }
   EngineScenario& Info(long long code, std::string_view description) {
@@ -51,10 +50,6 @@ class EngineScenario {
   // A file of exactly these bytes in the exchange folder (garbage included).
   EngineScenario& WithFile(std::string_view name, std::string_view bytes) {
     return Add("bytes " + std::string(name) + " " + Hex(bytes));
-  }
-  // Copies a file lying beside the engine (EngineInstall::WriteFile) into the exchange folder.
-  EngineScenario& CopyFile(std::string_view source, std::string_view target) {
-    return Add("copy " + std::string(source) + " -> " + std::string(target));
   }
   EngineScenario& Delay(unsigned ms) { return Add("delay " + std::to_string(ms)); }
   EngineScenario& Hang() { return Add("hang"); }    // until killed
@@ -134,7 +129,8 @@ class EngineInstall {
                             std::wstring_view name = L"TavrinEClient.exe") const;
 
   void SetScenario(const EngineScenario& scenario) const;
-  void SetScenarioText(std::string_view text) const;
+  // SetScenario() after clearing the journal: the answer queues start again.
+  void Restart(const EngineScenario& scenario) const;
   // A file beside the engine (copy sources, ini files).
   void WriteFile(std::wstring_view name, std::string_view bytes) const;
 

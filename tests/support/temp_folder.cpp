@@ -10,6 +10,7 @@
 #include <system_error>
 
 #include "platform/path.h"
+#include "tool_text.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -75,20 +76,7 @@ std::wstring RemoteForm(const std::filesystem::path& local) {
 
 std::string Utf16LeFile(const std::wstring& text) {
   std::string bytes = "\xFF\xFE";
-  for (wchar_t c : text) {
-    auto code = static_cast<std::uint32_t>(c);
-    if (code >= 0x10000) {
-      code -= 0x10000;
-      std::uint32_t high = 0xD800 + (code >> 10), low = 0xDC00 + (code & 0x3FF);
-      for (std::uint32_t unit : {high, low}) {
-        bytes.push_back(static_cast<char>(unit & 0xFF));
-        bytes.push_back(static_cast<char>(unit >> 8));
-      }
-    } else {
-      bytes.push_back(static_cast<char>(code & 0xFF));
-      bytes.push_back(static_cast<char>(code >> 8));
-    }
-  }
+  for (wchar_t c : text) reftools::AppendUtf16Le(bytes, static_cast<char32_t>(c));
   return bytes;
 }
 
