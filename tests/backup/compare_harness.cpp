@@ -23,8 +23,7 @@ void WriteCompareScenario(const fs::path& folder, std::string_view text) {
 std::vector<CompareRun> ReadCompareJournal(const fs::path& folder) {
   std::vector<CompareRun> runs;
   for (const JournalLine& line : ReadJournal(folder / "compare-journal.txt")) {
-    runs.push_back({JournalText(line, "folder"), JournalText(line, "mode"),
-                    JournalText(line, "params"), JournalText(line, "note"),
+    runs.push_back({JournalText(line, "params"), JournalText(line, "note"),
                     JournalBytes(line, "DLLInput.txt")});
   }
   return runs;

@@ -14,8 +14,6 @@ void WriteCompareScenario(const std::filesystem::path& folder, std::string_view 
 
 // One line of compare-journal.txt.
 struct CompareRun {
-  std::wstring folder;
-  std::wstring mode;
   std::wstring params;
   std::wstring note;
   std::optional<std::string> request;  // DLLInput.txt bytes at the start
