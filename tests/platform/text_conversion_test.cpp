@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "platform/code_page.h"
 #include "platform/path.h"
 
@@ -7,11 +9,7 @@ namespace tavrine::platform {
 namespace {
 
 TEST(Path, Utf8Conversions) {
-  struct Case {
-    const wchar_t* wide;
-    const char* utf8;
-  };
-  const Case cases[] = {
+  const std::pair<const wchar_t*, const char*> cases[] = {
       {L"plain", "plain"},
       {L"Gr\u00FC\u00DFe \u20AC", "Gr\xC3\xBC\xC3\x9F" "e \xE2\x82\xAC"},
       {L"\u4E2D\u6587", "\xE4\xB8\xAD\xE6\x96\x87"},
@@ -19,33 +17,24 @@ TEST(Path, Utf8Conversions) {
       {L"\U0001F600", "\xF0\x9F\x98\x80"},
       {L"", ""},
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(WideToUtf8(c.wide), c.utf8);
-    EXPECT_EQ(Utf8ToWide(c.utf8), c.wide);
+  for (const auto& [wide, utf8] : cases) {
+    EXPECT_EQ(WideToUtf8(wide), utf8);
+    EXPECT_EQ(Utf8ToWide(utf8), wide);
   }
-}
-
-TEST(Path, MalformedUtf8BecomesReplacementCharacters) {
+  // Malformed UTF-8 becomes replacement characters.
   EXPECT_EQ(Utf8ToWide("a\xFF" "b"), L"a\uFFFD" L"b");
   EXPECT_EQ(Utf8ToWide("a\xC3"), L"a\uFFFD");
 }
 
 TEST(CodePage, CharactersAndTheirAnsiCodes) {
-  struct Case {
-    unsigned code;
-    wchar_t c;
-  };
-  const Case cases[] = {
+  const std::pair<unsigned, wchar_t> pairs[] = {
       {0x41, L'A'}, {0x80, L'\u20AC'}, {0x9F, L'\u0178'}, {0xA0, L'\u00A0'}, {0xFF, L'\u00FF'},
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(CharOfAnsiCode(c.code), c.c) << std::hex << c.code;
-    EXPECT_EQ(AnsiCodeOf(c.c), c.code) << std::hex << c.code;
+  for (const auto& [code, c] : pairs) {
+    EXPECT_EQ(CharOfAnsiCode(code), c) << std::hex << code;
+    EXPECT_EQ(AnsiCodeOf(c), code) << std::hex << code;
   }
-}
-
-TEST(CodePage, CharactersOutsideTheCodePageHaveNoCode) {
-  // U+0100 would pass as 'A' through a best-fit mapping.
+  // Outside the code page: U+0100 would pass as 'A' through a best-fit mapping.
   for (wchar_t c : {L'\u0100', L'\u4E2D', L'\u2603'}) {
     EXPECT_EQ(AnsiCodeOf(c), std::nullopt) << static_cast<unsigned>(c);
   }
