@@ -350,45 +350,31 @@ void ClickLink(HWND dialog, int id) {
                reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
 }
 
+// Shows a `Dialog`, clicks its link, then closes it; false when it never showed.
+template <class Dialog>
+bool PressLink(const std::wstring& title, int link, int close) {
+  Dialog dialog;
+  Driver driver(title, [link, close](HWND window) {
+    ClickLink(window, link);
+    Click(window, close);
+  });
+  dialog.Show(nullptr);
+  return driver.done();
+}
+
 TEST_P(DialogWindows, HelpLinksOpenTheirTopicAndPageLinksCarryTheLanguage) {
   std::vector<std::pair<std::wstring, std::wstring>> opened;
   ScopedShellOpener shell([&opened](const std::wstring& target, const std::wstring& parameters) {
     opened.emplace_back(target, parameters);
     return std::intptr_t{42};
   });
-  auto press = [](int link, int close) {
-    return [link, close](HWND window) {
-      ClickLink(window, link);
-      Click(window, close);
-    };
-  };
   const std::wstring key_title = German() ? L"Verschlüsselungsschlüssel" : L"Encryption key";
-  bool all_shown = true;
-  {
-    EncKeyOptionDialog dialog;
-    Driver driver(key_title, press(IDC_lblHelp, IDC_IDCancel));
-    dialog.Show(nullptr);
-    all_shown = all_shown && driver.done();
-  }
-  {
-    EncryptionPsdDialog dialog;
-    Driver driver(key_title, press(IDC_lblHelp, IDC_IDCancel));
-    dialog.Show(nullptr);
-    all_shown = all_shown && driver.done();
-  }
-  {
-    ProxyDialog dialog;
-    Driver driver(German() ? L"Proxy-Einstellungen" : L"Proxy Settings", press(IDC_lblHelp, IDC_Cancel));
-    dialog.Show(nullptr);
-    all_shown = all_shown && driver.done();
-  }
-  {
-    LoginDialog dialog;
-    Driver driver(std::wstring(kCaption) + L" - Login", press(IDC_picForgotPassword, IDC_Cancel));
-    dialog.Show(nullptr);
-    all_shown = all_shown && driver.done();
-  }
-  EXPECT_TRUE(all_shown);
+  EXPECT_TRUE(PressLink<EncKeyOptionDialog>(key_title, IDC_lblHelp, IDC_IDCancel));
+  EXPECT_TRUE(PressLink<EncryptionPsdDialog>(key_title, IDC_lblHelp, IDC_IDCancel));
+  EXPECT_TRUE(PressLink<ProxyDialog>(German() ? L"Proxy-Einstellungen" : L"Proxy Settings",
+                                     IDC_lblHelp, IDC_Cancel));
+  EXPECT_TRUE(PressLink<LoginDialog>(std::wstring(kCaption) + L" - Login", IDC_picForgotPassword,
+                                     IDC_Cancel));
   const std::wstring help_file = L"\"" + foundation::JoinPath(platform::ModuleFolder(), L"Help.chm");
   const std::vector<std::pair<std::wstring, std::wstring>> expected = {
       {L"hh.exe", help_file + L"::/A/Tavrin/Features.htm\""},
