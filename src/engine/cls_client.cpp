@@ -40,7 +40,10 @@ std::wstring FirstNonEmpty(std::wstring value, const std::wstring& fallback_key)
   return value.empty() ? ProfileValue(fallback_key) : value;
 }
 
+// An empty folder from a caller would otherwise mean the host's current
+// directory: requests (credentials included) written there, its files deleted.
 void DeleteResultFiles(const std::wstring& folder) {
+  if (folder.empty()) return;
   for (const wchar_t* name : {L"DLLOutput.txt", L"DLLOutput1.txt", L"DLLInput.txt",
                               L"DLLOutputInfo.txt"}) {
     DeleteFileIfExists(JoinPath(folder, name));
@@ -49,6 +52,7 @@ void DeleteResultFiles(const std::wstring& folder) {
 
 // Replaces <folder>/DLLInput.txt; a file that cannot be removed ends the write.
 void WriteRequest(const std::wstring& folder, const std::vector<std::wstring>& lines) {
+  if (folder.empty()) return;
   std::wstring file = JoinPath(folder, kRequestFile);
   if (!DeleteFileIfExists(file)) return;
   foundation::WriteUtf16Lines(file, lines);
@@ -58,16 +62,19 @@ void ReadResultFiles(const std::wstring& folder, bool& bResult, std::wstring& st
                      double& lValue) {
   bResult = false;
   bool numbered = false;
-  if (auto lines = foundation::ReadAnsiLines(JoinPath(folder, L"DLLOutput.txt"));
-      lines && !lines->empty()) {
+  // No folder, no answer: nothing is read from the host's current directory.
+  auto read = [&folder](const wchar_t* name) -> std::optional<std::vector<std::wstring>> {
+    if (folder.empty()) return std::nullopt;
+    return foundation::ReadAnsiLines(JoinPath(folder, name));
+  };
+  if (auto lines = read(L"DLLOutput.txt"); lines && !lines->empty()) {
     auto number = foundation::ParseNumber(lines->front());
     if (number) lValue = *number;
     numbered = number.has_value();
     bResult = true;
   }
   if (!bResult) {
-    if (auto lines = foundation::ReadAnsiLines(JoinPath(folder, L"DLLOutputInfo.txt"));
-        lines && !lines->empty()) {
+    if (auto lines = read(L"DLLOutputInfo.txt"); lines && !lines->empty()) {
       auto number = foundation::ParseNumber(lines->front());
       if (number) lValue = *number;
       numbered = number.has_value();
@@ -173,6 +180,7 @@ void clsClient::WriteDLLInputFileBackupSetTempFd(const std::wstring& strtempfd,
 void clsClient::WriteDLLInputVersionFile(const std::wstring& strtempfd, const ProxyBlock& proxy,
                                          const std::wstring& sFileName) {
   RefreshWorkRoot();
+  if (strtempfd.empty()) return;
   MpcState mpc = UpdateMpcIniForThisComputer(strtempfd);
   std::wstring remote_path = sFileName;
   // With several computers the first path component names the computer,
@@ -189,6 +197,7 @@ void clsClient::WriteDLLInputVersionFile(const std::wstring& strtempfd, const Pr
 void clsClient::WriteDLLInputFileTempFdPC(const std::wstring& strtempfd,
                                           const ProxyBlock& proxy) {
   RefreshWorkRoot();
+  if (strtempfd.empty()) return;
   WriteRequest(strtempfd, BasicRequestLines(proxy));
   UpdateMpcIniForThisComputer(strtempfd);
 }

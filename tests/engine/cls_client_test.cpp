@@ -161,6 +161,29 @@ TEST_F(ClsClientTest, DeleteRemovesExactlyTheFourExchangeFiles) {
   }
 }
 
+// An empty folder names no folder: the host's current directory is left alone.
+TEST_F(ClsClientTest, AnEmptyFolderIsNotTheCurrentDirectory) {
+  const auto folder = platform::ToFsPath(folder_);
+  testing::WriteFileBytes(folder / "DLLOutput.txt", "5\r\n");
+  const auto previous = std::filesystem::current_path();
+  std::filesystem::current_path(folder);
+  client_.DeleteInputOutFilesTempFd(L"");
+  client_.WriteDLLInputFileTempFd(L"", kSampleProxy);
+  client_.WriteDLLInputFileTempFdPC(L"", kSampleProxy);
+  client_.WriteDLLInputVersionFile(L"", kSampleProxy, L"a.txt");
+  client_.WriteDLLInputFileBackupSetTempFd(L"", 1, 2, 3, kSampleProxy);
+  bool result = true;
+  std::wstring description = L"keep";
+  double value = 7;
+  client_.ReadDLLOutputFileTempFd(L"", result, description, value);
+  std::filesystem::current_path(previous);
+  EXPECT_FALSE(result);
+  EXPECT_EQ(value, 7);
+  EXPECT_EQ(ReadFileBytes(folder / "DLLOutput.txt"), "5\r\n");
+  EXPECT_FALSE(std::filesystem::exists(folder / "DLLInput.txt"));
+  EXPECT_FALSE(std::filesystem::exists(folder / "MPC.ini"));
+}
+
 TEST_F(ClsClientTest, ServerAddressAndPortAreSavedUnderBothNames) {
   client_.SetIPAddress(L"1.2.3.4");
   client_.SetOutgoingPort(L"99");
