@@ -1,5 +1,6 @@
 #include "engine/cls_client.h"
 
+#include <algorithm>
 #include <chrono>
 #include <random>
 
@@ -231,7 +232,8 @@ std::wstring clsClient::GenerateRandomNumber() {
   std::uniform_real_distribution<double> uniform(0.0, 1.0);
   std::wstring number;
   for (int i = 0; i < 5; ++i) {
-    number += std::to_wstring(static_cast<int>(255 * uniform(generator) + 1));
+    // generate_canonical may round up to 1.0, which would give 256.
+    number += std::to_wstring(std::min(static_cast<int>(255 * uniform(generator) + 1), 255));
   }
   try {
     profile::WriteStoredRandomNumber(number);
