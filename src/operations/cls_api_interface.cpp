@@ -80,7 +80,7 @@ std::int32_t clsAPI_Interface::API_ENTRY(const std::wstring& strtempfd, std::int
 
 std::int32_t clsAPI_Interface::API_AutoReconnect() {
   try {
-    return SilentLogin();
+    return SilentLogin(L"API_AutoReconnect");
   } catch (...) {
     foundation::TraceException(L"API_AutoReconnect", foundation::DescribeCurrentException());
     return -1;
@@ -89,7 +89,7 @@ std::int32_t clsAPI_Interface::API_AutoReconnect() {
 
 std::int32_t clsAPI_Interface::API_AutoMultipleServerSupport() {
   try {
-    return SilentLogin();
+    return SilentLogin(L"API_AutoMultipleServerSupport");
   } catch (...) {
     foundation::TraceException(L"API_AutoMultipleServerSupport",
                                foundation::DescribeCurrentException());
@@ -97,7 +97,7 @@ std::int32_t clsAPI_Interface::API_AutoMultipleServerSupport() {
   }
 }
 
-std::int32_t clsAPI_Interface::SilentLogin() {
+std::int32_t clsAPI_Interface::SilentLogin(const wchar_t* method) {
   base_path_ = foundation::ComputeWorkRoot();
   client_.LoadConfigurations();
   current_user_ = client_.GetCurrentUser();
@@ -108,7 +108,7 @@ std::int32_t clsAPI_Interface::SilentLogin() {
 
   std::wstring folder = engine::MakeExchangeFolder(client_.UserFolder());
   if (folder.empty()) {
-    foundation::Trace(L"API_AutoReconnect :: exchange folder could not be created");
+    foundation::Trace(std::wstring(method) + L" :: exchange folder could not be created");
     return -1;
   }
   const std::wstring request = JoinPath(folder, L"DLLInput.txt");

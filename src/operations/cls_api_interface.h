@@ -31,7 +31,8 @@ class clsAPI_Interface {
  private:
   // LoadConfigurations, GetCurrentUser and LoadProxySettings, in that order.
   engine::ProxySettings LoadSession();
-  std::int32_t SilentLogin();
+  // `method` names the caller in trace lines.
+  std::int32_t SilentLogin(const wchar_t* method);
 
   engine::clsClient client_;
   std::wstring base_path_;

@@ -47,8 +47,8 @@ void ShowDeleteBox(const std::wstring& text, unsigned icon) {
                                        platform::kMbOk | icon);
 }
 
-// The shell side's progress window. The UI seam can only close a window by
-// its title; closing stands in for hiding until the seam can hide one.
+// The shell side's progress window: hidden, not closed, as the shell side
+// still owns it.
 void HideDeletingWindow() {
   platform::CurrentUi().HideWindowByTitle(CurrentSettings().product_name + L" - Deleting");
 }
