@@ -97,6 +97,25 @@ TEST_F(ClsClientTest, WriteDllInputFileNeverWritesAndLogsWhy) {
   std::string log = ReadFileBytes(install_.path() / "Log" / "TavrinETestUI.txt");
   EXPECT_NE(log.find("[EXCEPTION] clsClient :: WriteDLLInputFile() : File not found"),
             std::string::npos);
+
+  // A read-only request is never removed: the removal fails and ends each write.
+  namespace fs = std::filesystem;
+  for (const std::wstring& folder : {user_folder, folder_}) {
+    const fs::path request = platform::ToFsPath(folder) / "DLLInput.txt";
+    testing::WriteFileBytes(request, "old");
+    fs::permissions(request, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+  }
+  client_.WriteDLLInputFile(kSampleProxy);
+  client_.WriteDLLInputFileTempFd(folder_, kSampleProxy);
+  client_.DeleteInputOutFilesTempFd(folder_);
+  for (const std::wstring& folder : {user_folder, folder_}) {
+    const fs::path request = platform::ToFsPath(folder) / "DLLInput.txt";
+    EXPECT_EQ(ReadFileBytes(request), "old");
+    fs::permissions(request, fs::perms::owner_write, fs::perm_options::add);
+  }
+  log = ReadFileBytes(install_.path() / "Log" / "TavrinETestUI.txt");
+  EXPECT_NE(log.find("[EXCEPTION] clsClient :: WriteDLLInputFile() : Permission denied"),
+            std::string::npos);
 }
 
 TEST_F(ClsClientTest, CacheFallsBackToOlderProfileValues) {
