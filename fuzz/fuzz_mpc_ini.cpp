@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       tavrine::platform::ReadIniString(L"MPC", L"HostCount", file) != L"1")
     std::abort();
   const std::wstring hosts = tavrine::platform::ReadIniString(L"MPC", L"Hosts", file);
-  for (const std::wstring& machine : tavrine::browsing::MachinesOfList(hosts)) {
+  for (const std::wstring& machine : tavrine::browsing::MachinesOfList(hosts, L"ReadMachineList")) {
     if (!tavrine::profile::IsSafeName(machine)) std::abort();
   }
   return 0;
