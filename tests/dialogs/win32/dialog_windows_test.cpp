@@ -1,6 +1,7 @@
 // The real dialogs under Wine with a display: opened, filled and pressed with
 // window messages from a driver thread, message boxes read and dismissed, and
-// a PNG screenshot of each dialog in English and German.
+// a PNG screenshot of each dialog in English, German and Spanish, and every
+// label and button checked for text that its control cuts off.
 #include <windows.h>
 #include <commctrl.h>
 
@@ -10,7 +11,9 @@
 #include <atomic>
 #include <filesystem>
 #include <functional>
+#include <mutex>
 #include <thread>
+#include <vector>
 
 #include "dialogs/win32/dialogs_win32.h"
 #include "dialogs/win32/resource.h"
@@ -107,6 +110,40 @@ bool Screenshot(HWND window, const std::wstring& name) {
     for (int x = 0; x < width; ++x) rgb.insert(rgb.end(), {row[x * 3 + 2], row[x * 3 + 1], row[x * 3]});
   }
   return testing::WritePng(ScreenshotFolder() + L"\\" + name + L".png", width, height, rgb);
+}
+
+// Texts of the visible labels and buttons that do not fit their control in its
+// own font: a translation longer than the layout allows.
+std::vector<std::wstring> CutOffTexts(HWND dialog) {
+  std::vector<std::wstring> cut;
+  auto check = [](HWND control, LPARAM found) -> BOOL {
+    wchar_t kind[16] = {};
+    GetClassNameW(control, kind, 16);
+    const bool label = lstrcmpiW(kind, L"Static") == 0, button = lstrcmpiW(kind, L"Button") == 0;
+    const std::wstring text = WindowText(control);
+    const LONG style = GetWindowLongW(control, GWL_STYLE);
+    if (!(label || button) || text.empty() || !IsWindowVisible(control)) return TRUE;
+    if (label && (style & SS_TYPEMASK) > SS_RIGHT) return TRUE;  // pictures, frames
+    const LONG shape = style & BS_TYPEMASK;
+    if (button && shape == BS_GROUPBOX) return TRUE;
+    RECT room{};
+    GetClientRect(control, &room);
+    const bool box = button && (shape == BS_CHECKBOX || shape == BS_AUTOCHECKBOX ||
+                                shape == BS_RADIOBUTTON || shape == BS_AUTORADIOBUTTON);
+    // The check mark, or a push button's edges, take their share of the width.
+    room.right -= box ? GetSystemMetrics(SM_CXMENUCHECK) + 4 : button ? 2 * GetSystemMetrics(SM_CXEDGE) : 0;
+    const bool wraps = label || (style & BS_MULTILINE);
+    WindowDc dc(control);
+    SelectScope font(dc.get(), reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
+    RECT need{0, 0, room.right, 0};
+    DrawTextW(dc.get(), text.c_str(), -1, &need, DT_CALCRECT | (wraps ? DT_WORDBREAK : DT_SINGLELINE));
+    if (need.right > room.right || need.bottom > room.bottom) {
+      reinterpret_cast<std::vector<std::wstring>*>(found)->push_back(text);
+    }
+    return TRUE;
+  };
+  EnumChildWindows(dialog, check, reinterpret_cast<LPARAM>(&cut));
+  return cut;
 }
 
 // Runs `drive` on its own thread with the dialog titled `title` once it shows,
@@ -215,11 +252,34 @@ class DialogWindows : public WindowsTest, public ::testing::WithParamInterface<c
  protected:
   DialogWindows() : WindowsTest(GetParam()) {}
   bool German() const { return std::string(GetParam()) == "German"; }
-  // A screenshot in this language for the record; one that cannot be taken fails the test.
-  void Shoot(HWND window, const std::wstring& name) {
-    if (!Screenshot(window, name + (German() ? L"_de" : L"_en"))) ++missing_shots_;
+  bool Spanish() const { return std::string(GetParam()) == "Spanish"; }
+  // The text as this test's language has it.
+  std::wstring Say(const wchar_t* english, const wchar_t* german, const wchar_t* spanish) const {
+    return German() ? german : Spanish() ? spanish : english;
   }
-  void TearDown() override { EXPECT_EQ(missing_shots_.load(), 0); }
+  std::wstring KeyTitle() const {
+    return Say(L"Encryption key", L"Verschlüsselungsschlüssel", L"Clave de cifrado");
+  }
+  std::wstring ProxyTitle() const {
+    return Say(L"Proxy Settings", L"Proxy-Einstellungen", L"Configuración del proxy");
+  }
+  // A screenshot in this language for the record, and the texts the layout
+  // cuts off; a screenshot that cannot be taken fails the test.
+  void Shoot(HWND window, const std::wstring& name) {
+    if (!Screenshot(window, name + Say(L"_en", L"_de", L"_es"))) ++missing_shots_;
+    for (const std::wstring& text : CutOffTexts(window)) {
+      std::lock_guard<std::mutex> lock(cut_off_mutex_);
+      cut_off_.push_back(name + L": " + text);
+    }
+  }
+  void TearDown() override {
+    EXPECT_EQ(missing_shots_.load(), 0);
+    EXPECT_EQ(cut_off_, std::vector<std::wstring>{});
+  }
+
+ private:
+  std::mutex cut_off_mutex_;
+  std::vector<std::wstring> cut_off_;
 };
 
 // A first login behind a proxy: the proxy is set through Advanced (the only
@@ -246,7 +306,7 @@ TEST_P(DialogWindows, LoginDialogChecksInputThenLogsInThroughTheProxySetBeforeha
     Shoot(window, L"login");
 
     Click(window, IDC_advanced);
-    HWND proxy = WaitForWindow(German() ? L"Proxy-Einstellungen" : L"Proxy Settings");
+    HWND proxy = WaitForWindow(ProxyTitle());
     if (!proxy) return;
     SendMessageW(GetDlgItem(proxy, IDC_Proxyenabled), BM_SETCHECK, BST_CHECKED, 0);
     HWND port_field = GetDlgItem(proxy, IDC_ProxyPort);
@@ -268,13 +328,15 @@ TEST_P(DialogWindows, LoginDialogChecksInputThenLogsInThroughTheProxySetBeforeha
   });
   EXPECT_EQ(dialog.Show(nullptr), 403);
   EXPECT_TRUE(driver.done());
-  EXPECT_EQ(label, German() ? L"Benutzername oder E-Mail-Adresse:" : L"Username or Email Address:");
-  EXPECT_EQ(password_box, German() ? L"Geben Sie Ihr Kennwort ein." : L"Enter your password.");
+  EXPECT_EQ(label, Say(L"Username or Email Address:", L"Benutzername oder E-Mail-Adresse:",
+                      L"Usuario o correo electrónico:"));
+  EXPECT_EQ(password_box, Say(L"Enter your password.", L"Geben Sie Ihr Kennwort ein.", L"Escriba su contraseña."));
   EXPECT_EQ(tooltip_count, 2);
   EXPECT_NE(region, ERROR);
   EXPECT_TRUE(plain);
   EXPECT_EQ(port, L"3128");
-  EXPECT_EQ(address_box, German() ? L"Geben Sie die Proxy-Adresse ein." : L"Enter the proxy address.");
+  EXPECT_EQ(address_box, Say(L"Enter the proxy address.", L"Geben Sie die Proxy-Adresse ein.",
+                             L"Escriba la dirección del proxy."));
   EXPECT_TRUE(proxy_closed);
   EXPECT_EQ(profile::CurrentUserName(), L"alice");
   const auto runs = install_.Journal();
@@ -288,7 +350,7 @@ TEST_P(DialogWindows, LoginDialogChecksInputThenLogsInThroughTheProxySetBeforeha
 TEST_P(DialogWindows, EncKeyOptionRefusesAShortKeyThenTakesTheDefault) {
   EncKeyOptionDialog dialog;
   std::wstring box, cleared = L"?";
-  Driver driver(German() ? L"Verschlüsselungsschlüssel" : L"Encryption key", [&](HWND window) {
+  Driver driver(KeyTitle(), [&](HWND window) {
     Shoot(window, L"enckeyoption");
     Type(window, IDC_txtEncPsd1, L"abc");
     Type(window, IDC_txtEncPsd2, L"abc");
@@ -301,8 +363,9 @@ TEST_P(DialogWindows, EncKeyOptionRefusesAShortKeyThenTakesTheDefault) {
   });
   KeyChoice choice = dialog.Show(nullptr);
   EXPECT_TRUE(driver.done());
-  EXPECT_EQ(box, German() ? L"Das Verschlüsselungskennwort muss mindestens 4 Zeichen enthalten."
-                          : L"The encryption password must contain at least 4 characters.");
+  EXPECT_EQ(box, Say(L"The encryption password must contain at least 4 characters.",
+                    L"Das Verschlüsselungskennwort muss mindestens 4 Zeichen enthalten.",
+                    L"La contraseña de cifrado debe tener al menos 4 caracteres."));
   EXPECT_EQ(cleared, L"");
   EXPECT_TRUE(choice.accepted);
   EXPECT_EQ(choice.key, L"DEF");
@@ -310,7 +373,7 @@ TEST_P(DialogWindows, EncKeyOptionRefusesAShortKeyThenTakesTheDefault) {
 
 TEST_P(DialogWindows, EncryptionPsdHandsBackTheTrimmedPassword) {
   EncryptionPsdDialog dialog;
-  Driver driver(German() ? L"Verschlüsselungsschlüssel" : L"Encryption key", [&](HWND window) {
+  Driver driver(KeyTitle(), [&](HWND window) {
     Type(window, IDC_txtEncPsd, L"  my key ");
     Shoot(window, L"encryptionpsd");
     PostMessageW(window, WM_KEYDOWN, VK_RETURN, 0);  // Enter: the default button
@@ -329,7 +392,7 @@ TEST_P(DialogWindows, SessionWindowShowsUserServerAndQuota) {
   install_.SetScenario(
       EngineScenario().On(114).Output(0).WithFile("Quota.txt", "1073741824\r\n2147483648\r\n"));
   std::wstring user, server, quota;
-  Driver driver(std::wstring(kCaption) + (German() ? L" - Sitzung" : L" - Session"), [&](HWND window) {
+  Driver driver(std::wstring(kCaption) + Say(L" - Session", L" - Sitzung", L" - Sesión"), [&](HWND window) {
     user = Read(window, IDC_txtSessionUser);
     server = Read(window, IDC_txtSessionServer);
     quota = Read(window, IDC_txtSessionQuota);
@@ -368,11 +431,9 @@ TEST_P(DialogWindows, HelpLinksOpenTheirTopicAndPageLinksCarryTheLanguage) {
     opened.emplace_back(target, parameters);
     return std::intptr_t{42};
   });
-  const std::wstring key_title = German() ? L"Verschlüsselungsschlüssel" : L"Encryption key";
-  EXPECT_TRUE(PressLink<EncKeyOptionDialog>(key_title, IDC_lblHelp, IDC_IDCancel));
-  EXPECT_TRUE(PressLink<EncryptionPsdDialog>(key_title, IDC_lblHelp, IDC_IDCancel));
-  EXPECT_TRUE(PressLink<ProxyDialog>(German() ? L"Proxy-Einstellungen" : L"Proxy Settings",
-                                     IDC_lblHelp, IDC_Cancel));
+  EXPECT_TRUE(PressLink<EncKeyOptionDialog>(KeyTitle(), IDC_lblHelp, IDC_IDCancel));
+  EXPECT_TRUE(PressLink<EncryptionPsdDialog>(KeyTitle(), IDC_lblHelp, IDC_IDCancel));
+  EXPECT_TRUE(PressLink<ProxyDialog>(ProxyTitle(), IDC_lblHelp, IDC_Cancel));
   EXPECT_TRUE(PressLink<LoginDialog>(std::wstring(kCaption) + L" - Login", IDC_picForgotPassword,
                                      IDC_Cancel));
   const std::wstring help_file = L"\"" + foundation::JoinPath(platform::ModuleFolder(), L"Help.chm");
@@ -380,11 +441,11 @@ TEST_P(DialogWindows, HelpLinksOpenTheirTopicAndPageLinksCarryTheLanguage) {
       {L"hh.exe", help_file + L"::/A/Tavrin/Features.htm\""},
       {L"hh.exe", help_file + L"::/A/Tavrin/Features.htm\""},
       {L"hh.exe", help_file + L"::/A/Getting_Started/Proxy_Settings.htm\""},
-      {std::wstring(L"https://www.tavrine.com/forgot") + (German() ? L"&country=DE&lang=de" : L""), L""}};
+      {L"https://www.tavrine.com/forgot" + Say(L"", L"&country=DE&lang=de", L"&country=ES&lang=es"), L""}};
   EXPECT_EQ(opened, expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(Languages, DialogWindows, ::testing::Values("English", "German"));
+INSTANTIATE_TEST_SUITE_P(Languages, DialogWindows, ::testing::Values("English", "German", "Spanish"));
 
 class LoginCommand : public WindowsTest {
  protected:
