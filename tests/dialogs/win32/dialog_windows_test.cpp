@@ -131,12 +131,15 @@ std::vector<std::wstring> CutOffTexts(HWND dialog) {
     const bool box = button && (shape == BS_CHECKBOX || shape == BS_AUTOCHECKBOX ||
                                 shape == BS_RADIOBUTTON || shape == BS_AUTORADIOBUTTON);
     // The check mark, or a push button's edges, take their share of the width.
-    room.right -= box ? GetSystemMetrics(SM_CXMENUCHECK) + 4 : button ? 2 * GetSystemMetrics(SM_CXEDGE) : 0;
+    room.right -= box      ? GetSystemMetrics(SM_CXMENUCHECK) + 4
+                  : button ? 2 * GetSystemMetrics(SM_CXEDGE)
+                           : 0;
     const bool wraps = label || (style & BS_MULTILINE);
     WindowDc dc(control);
     SelectScope font(dc.get(), reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
     RECT need{0, 0, room.right, 0};
-    DrawTextW(dc.get(), text.c_str(), -1, &need, DT_CALCRECT | (wraps ? DT_WORDBREAK : DT_SINGLELINE));
+    DrawTextW(dc.get(), text.c_str(), -1, &need,
+              DT_CALCRECT | (wraps ? DT_WORDBREAK : DT_SINGLELINE));
     if (need.right > room.right || need.bottom > room.bottom) {
       reinterpret_cast<std::vector<std::wstring>*>(found)->push_back(text);
     }
@@ -330,7 +333,8 @@ TEST_P(DialogWindows, LoginDialogChecksInputThenLogsInThroughTheProxySetBeforeha
   EXPECT_TRUE(driver.done());
   EXPECT_EQ(label, Say(L"Username or Email Address:", L"Benutzername oder E-Mail-Adresse:",
                       L"Usuario o correo electrónico:"));
-  EXPECT_EQ(password_box, Say(L"Enter your password.", L"Geben Sie Ihr Kennwort ein.", L"Escriba su contraseña."));
+  EXPECT_EQ(password_box,
+            Say(L"Enter your password.", L"Geben Sie Ihr Kennwort ein.", L"Escriba su contraseña."));
   EXPECT_EQ(tooltip_count, 2);
   EXPECT_NE(region, ERROR);
   EXPECT_TRUE(plain);
@@ -441,7 +445,8 @@ TEST_P(DialogWindows, HelpLinksOpenTheirTopicAndPageLinksCarryTheLanguage) {
       {L"hh.exe", help_file + L"::/A/Tavrin/Features.htm\""},
       {L"hh.exe", help_file + L"::/A/Tavrin/Features.htm\""},
       {L"hh.exe", help_file + L"::/A/Getting_Started/Proxy_Settings.htm\""},
-      {L"https://www.tavrine.com/forgot" + Say(L"", L"&country=DE&lang=de", L"&country=ES&lang=es"), L""}};
+      {L"https://www.tavrine.com/forgot" + Say(L"", L"&country=DE&lang=de", L"&country=ES&lang=es"),
+       L""}};
   EXPECT_EQ(opened, expected);
 }
 
