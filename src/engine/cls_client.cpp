@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <random>
 
 #include "engine/ip_resolve.h"
@@ -23,7 +22,6 @@ namespace tavrine::engine {
 
 namespace {
 
-using foundation::DeleteFileIfExists;
 using foundation::FileExists;
 using foundation::JoinPath;
 
@@ -42,24 +40,13 @@ std::wstring FirstNonEmpty(std::wstring value, const std::wstring& fallback_key)
   return value.empty() ? ProfileValue(fallback_key) : value;
 }
 
-// Removal without forcing: a read-only file stays, as the shell's own delete
-// leaves it (the standard library would remove it on POSIX and with MSVC).
-bool RemoveUnforced(const std::wstring& file) {
-  namespace fs = std::filesystem;
-  std::error_code error;
-  fs::perms mode = fs::status(platform::ToFsPath(file), error).permissions();
-  constexpr fs::perms kWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
-  if (!error && FileExists(file) && (mode & kWrite) == fs::perms::none) return false;
-  return DeleteFileIfExists(file);
-}
-
 // An empty folder from a caller would otherwise mean the host's current
 // directory: requests (credentials included) written there, its files deleted.
 void DeleteResultFiles(const std::wstring& folder) {
   if (folder.empty()) return;
   for (const wchar_t* name : {L"DLLOutput.txt", L"DLLOutput1.txt", L"DLLInput.txt",
                               L"DLLOutputInfo.txt"}) {
-    RemoveUnforced(JoinPath(folder, name));
+    foundation::DeleteFileUnforced(JoinPath(folder, name));
   }
 }
 
@@ -67,7 +54,7 @@ void DeleteResultFiles(const std::wstring& folder) {
 void WriteRequest(const std::wstring& folder, const std::vector<std::wstring>& lines) {
   if (folder.empty()) return;
   std::wstring file = JoinPath(folder, kRequestFile);
-  if (!RemoveUnforced(file)) return;
+  if (!foundation::DeleteFileUnforced(file)) return;
   foundation::WriteUtf16Lines(file, lines);
 }
 
@@ -162,7 +149,7 @@ void clsClient::WriteDLLInputFile(const ProxyBlock&) {
   RefreshWorkRoot();
   std::wstring file = JoinPath(UserFolder(), kRequestFile);
   const wchar_t* description = L"File not found";
-  if (FileExists(file) && !RemoveUnforced(file)) description = L"Permission denied";
+  if (FileExists(file) && !foundation::DeleteFileUnforced(file)) description = L"Permission denied";
   foundation::TraceException(L"clsClient", L"WriteDLLInputFile", description);
 }
 

@@ -47,6 +47,19 @@ bool DeleteFileIfExists(const std::wstring& path) noexcept {
   }
 }
 
+bool DeleteFileUnforced(const std::wstring& path) noexcept {
+  try {
+    std::error_code error;
+    const fs::perms mode = fs::status(platform::ToFsPath(path), error).permissions();
+    constexpr fs::perms kWrite =
+        fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    if (!error && FileExists(path) && (mode & kWrite) == fs::perms::none) return false;
+    return DeleteFileIfExists(path);
+  } catch (...) {
+    return false;
+  }
+}
+
 bool DeleteFolderTree(const std::wstring& path) noexcept {
   try {
     std::error_code error;

@@ -9,6 +9,9 @@ bool FileExists(const std::wstring& path) noexcept;
 bool FolderExists(const std::wstring& path) noexcept;
 bool CreateFolder(const std::wstring& path) noexcept;
 bool DeleteFileIfExists(const std::wstring& path) noexcept;
+// Like DeleteFileIfExists, but a read-only file stays (false), as the shell's
+// own delete leaves it; the standard library removes it on POSIX and with MSVC.
+bool DeleteFileUnforced(const std::wstring& path) noexcept;
 bool DeleteFolderTree(const std::wstring& path) noexcept;
 bool CopyFileReplacing(const std::wstring& from, const std::wstring& to) noexcept;
 
