@@ -141,7 +141,7 @@ quota_rc=$RC quota_out=$OUT
 tv ls
 all "$((quota_rc == 2 ? 0 : 1))" "$((RC == 2 ? 0 : 1))" &&
   [[ $quota_out == "error: the engine program TavrinEClsClient.exe could not be started: it is not in $INSTALL (looked for $INSTALL/TavrinEClsClient.exe)" &&
-     $OUT == "error: the engine program TavrinEClient.exe could not be started: it is not in $INSTALL (looked for $INSTALL/TavrinEClient.exe)" ]]
+     $OUT == "error: the engine program TavrinEClsClient.exe could not be started: it is not in $INSTALL (looked for $INSTALL/TavrinEClsClient.exe)"$'\n'"error: the engine program TavrinEClient.exe could not be started: it is not in $INSTALL (looked for $INSTALL/TavrinEClient.exe)" ]]
 step engine-missing $? "quota and ls name the missing program and the folder"
 mv "$WORK/engines-away/"* "$INSTALL/"
 

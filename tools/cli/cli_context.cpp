@@ -1,5 +1,6 @@
 #include "cli_context.h"
 
+#include <algorithm>
 #include <iostream>
 
 #include "foundation/file_system.h"
@@ -71,7 +72,9 @@ std::unique_ptr<platform::RunningProcess> EngineStartWatch::Start(const std::wst
                                                                   const std::wstring& parameters,
                                                                   const std::wstring& working_folder) {
   auto process = platform::SystemProcessLauncher().Start(program, parameters, working_folder);
-  if (!process && !not_started_) not_started_ = program;
+  if (!process && std::find(not_started_.begin(), not_started_.end(), program) == not_started_.end()) {
+    not_started_.push_back(program);
+  }
   return process;
 }
 
@@ -81,17 +84,19 @@ EngineStartWatch& EngineStarts() {
 }
 
 bool ReportEngineNotStarted() {
-  const auto& program = EngineStarts().not_started();
-  if (!program) return false;
+  const auto& programs = EngineStarts().not_started();
+  if (programs.empty()) return false;
   EndProgress();
-  const std::size_t separator = program->find_last_of(platform::kPathSeparator);
-  const std::wstring folder = separator == std::wstring::npos ? L"." : program->substr(0, separator);
-  const std::wstring name = separator == std::wstring::npos ? *program : program->substr(separator + 1);
-  std::cerr << "error: the engine program " << Utf8(name) << " could not be started: ";
-  if (foundation::FileExists(*program)) {
-    std::cerr << Utf8(*program) << " is there but did not run\n";
-  } else {
-    std::cerr << "it is not in " << Utf8(folder) << " (looked for " << Utf8(*program) << ")\n";
+  for (const std::wstring& program : programs) {
+    const std::size_t separator = program.find_last_of(platform::kPathSeparator);
+    const std::wstring folder = separator == std::wstring::npos ? L"." : program.substr(0, separator);
+    const std::wstring name = separator == std::wstring::npos ? program : program.substr(separator + 1);
+    std::cerr << "error: the engine program " << Utf8(name) << " could not be started: ";
+    if (foundation::FileExists(program)) {
+      std::cerr << Utf8(program) << " is there but did not run\n";
+    } else {
+      std::cerr << "it is not in " << Utf8(folder) << " (looked for " << Utf8(program) << ")\n";
+    }
   }
   return true;
 }

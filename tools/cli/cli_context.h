@@ -41,22 +41,23 @@ class ConsoleUi : public platform::Ui {
   void PumpMessages() override {}
 };
 
-// Starts programs through the system's launcher and remembers the first one
-// that would not start, so that a failure can name its cause.
+// Starts programs through the system's launcher and remembers those that
+// would not start, so that a failure can name its cause.
 class EngineStartWatch : public platform::ProcessLauncher {
  public:
   std::unique_ptr<platform::RunningProcess> Start(const std::wstring& program, const std::wstring& parameters,
                                                   const std::wstring& working_folder) override;
-  const std::optional<std::wstring>& not_started() const { return not_started_; }
+  // Each program once, in the order they failed.
+  const std::vector<std::wstring>& not_started() const { return not_started_; }
 
  private:
-  std::optional<std::wstring> not_started_;
+  std::vector<std::wstring> not_started_;
 };
 
 // The watch that main installs for the run.
 EngineStartWatch& EngineStarts();
 
-// When an engine program could not be started: "error: ..." naming the
+// For each engine program that could not be started, "error: ..." naming the
 // program and where it was looked for; true when it said so.
 bool ReportEngineNotStarted();
 
