@@ -6,7 +6,8 @@
 #
 #   scripts/kit.sh [--win64 DIR] [--win32 DIR] [--out DIR]
 #
-# DIR are built Windows trees (default build/win64 and build/win32); --out is
+# DIR are built Windows trees (default build/win64 and build/win32), relative
+# to the repository root unless absolute; --out is
 # where the zip goes (default dist). The version is the CMake project's, as the
 # x64 tree's CMakeCache.txt records it (CMAKE_PROJECT_VERSION). A missing
 # win32 tree leaves the x86 files out, with a line saying so here and in the
