@@ -37,11 +37,19 @@ void Call(IDispatch* object, DISPID id, VARIANT* reversed_args, UINT count, VARI
 int wmain() {
   return sample::Run([] {
     auto object = sample::Create<IDispatch>(L"TavrinEUI.UICommands", IID_IDispatch);
-    if (IdOf(object.get(), L"W_GetQuota_Command") != kGetQuotaCommand ||
-        IdOf(object.get(), L"W_GetMessageString") != kGetMessageString) {
-      sample::Say(L"late_bound: the library's DISPIDs are not the documented ones");
-      return 2;
+    bool documented = true;
+    for (const auto& [name, id] : {std::pair{L"W_GetQuota_Command", kGetQuotaCommand},
+                                   std::pair{L"W_GetMessageString", kGetMessageString}}) {
+      const DISPID found = IdOf(object.get(), name);
+      if (found != id) {
+        wchar_t text[160];
+        std::swprintf(text, 160, L"late_bound: %ls has DISPID 0x%08lX in the library, 0x%08lX in the guide", name,
+                      static_cast<unsigned long>(found), static_cast<unsigned long>(id));
+        sample::Say(text);
+        documented = false;
+      }
     }
+    if (!documented) return 2;
 
     // W_GetQuota_Command(sMaxSize As Double, sUsedSpace As Double) As Variant, both ByRef.
     double max_size = -2, used = -2;
