@@ -29,8 +29,15 @@ done
 fail() { echo "kit.sh: $*" >&2; exit 1; }
 
 [[ -f $WIN64/CMakeCache.txt ]] || fail "no built x64 tree: $WIN64/CMakeCache.txt is missing (configure and build $WIN64 first)"
-VERSION=$(sed -n 's/^CMAKE_PROJECT_VERSION:[A-Z]*=//p' "$WIN64/CMakeCache.txt" | head -n 1)
+cache_value() { sed -n "s/^$1:[A-Z]*=//p" "$WIN64/CMakeCache.txt" | head -n 1; }
+VERSION=$(cache_value CMAKE_PROJECT_VERSION)
 [[ -n $VERSION ]] || fail "no version: CMAKE_PROJECT_VERSION is empty in $WIN64/CMakeCache.txt (project() in CMakeLists.txt names no VERSION)"
+# Without a VERSION of its own, the top project's CMAKE_PROJECT_VERSION is
+# taken from the first subproject that has one (GoogleTest's).
+SOURCE=$(cache_value CMAKE_HOME_DIRECTORY)
+if ! tr '\n' ' ' <"$SOURCE/CMakeLists.txt" 2>/dev/null | grep -Eq '(^|[^_[:alnum:]])project\([^)]*VERSION'; then
+  fail "no version: project() in $SOURCE/CMakeLists.txt names no VERSION (the cache's CMAKE_PROJECT_VERSION $VERSION is a subproject's)"
+fi
 
 NAME=TavrinEUI-$VERSION-kit
 STAGE=$(mktemp -d)
