@@ -2,9 +2,10 @@
 # scripts/test.sh and scripts/demo.sh.
 
 # Everything either script needs: compilers, GoogleTest (the trees are
-# configured with their tests), mingw-w64 and widl, Wine, Xvfb, clang.
+# configured with their tests), mingw-w64 and widl, Wine, Xvfb, clang, zip
+# (the integrator's kit) and unzip (its test).
 TAVRINE_PACKAGES=(g++ cmake ninja-build libgtest-dev libgmock-dev googletest libbenchmark-dev
-                  mingw-w64 mingw-w64-tools libwine-dev wine wine64 xvfb xauth clang)
+                  mingw-w64 mingw-w64-tools libwine-dev wine wine64 xvfb xauth clang zip unzip)
 
 # Installs the packages of the arguments that dpkg does not know yet, as root
 # or through sudo. Returns non-zero when the installation failed.

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The demo's story with the command-line client against a fresh sample vault:
 # log in, quota, browse, versions, restore (bytes checked against the vault),
-# delete (and gone), back up a file twice (new version, restored back).
+# delete (and gone), back up a file twice (new version, restored back); with
+# the engine programs taken away, the failures name them.
 # Prints every command with its output and one "STEP <name> ok|FAILED ..."
 # line per step; exit 0 when every step passed.
 #
@@ -131,5 +132,17 @@ step backup $? "notes.txt now v$newest ($(stat -c %s "$LOCAL") bytes), unchanged
 tv message -404
 [[ $RC -eq 0 && -n $OUT ]]
 step messages $? "-404: ${OUT#\[*\] }"
+
+# --- an install without its engine: the failure names the program and the place
+mkdir -p "$WORK/engines-away"
+mv "$INSTALL/TavrinEClient.exe" "$INSTALL/TavrinEClsClient.exe" "$WORK/engines-away/"
+tv quota
+quota_rc=$RC quota_out=$OUT
+tv ls
+all "$((quota_rc == 2 ? 0 : 1))" "$((RC == 2 ? 0 : 1))" &&
+  [[ $quota_out == "error: the engine program TavrinEClsClient.exe could not be started: it is not in $INSTALL (looked for $INSTALL/TavrinEClsClient.exe)" &&
+     $OUT == "error: the engine program TavrinEClsClient.exe could not be started: it is not in $INSTALL (looked for $INSTALL/TavrinEClsClient.exe)"$'\n'"error: the engine program TavrinEClient.exe could not be started: it is not in $INSTALL (looked for $INSTALL/TavrinEClient.exe)" ]]
+step engine-missing $? "quota and ls name the missing program and the folder"
+mv "$WORK/engines-away/"* "$INSTALL/"
 
 exit "$status"

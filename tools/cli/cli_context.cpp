@@ -1,10 +1,13 @@
 #include "cli_context.h"
 
+#include <algorithm>
 #include <iostream>
 
+#include "foundation/file_system.h"
 #include "foundation/message_table.h"
 #include "foundation/settings.h"
 #include "platform/console.h"
+#include "platform/path.h"
 #include "format.h"
 #include "profile/profile_store.h"
 
@@ -65,7 +68,41 @@ void EndProgress() {
   progress_shown = false;
 }
 
+std::unique_ptr<platform::RunningProcess> EngineStartWatch::Start(const std::wstring& program,
+                                                                  const std::wstring& parameters,
+                                                                  const std::wstring& working_folder) {
+  auto process = platform::SystemProcessLauncher().Start(program, parameters, working_folder);
+  if (!process && std::find(not_started_.begin(), not_started_.end(), program) == not_started_.end()) {
+    not_started_.push_back(program);
+  }
+  return process;
+}
+
+EngineStartWatch& EngineStarts() {
+  static EngineStartWatch watch;
+  return watch;
+}
+
+bool ReportEngineNotStarted() {
+  const auto& programs = EngineStarts().not_started();
+  if (programs.empty()) return false;
+  EndProgress();
+  for (const std::wstring& program : programs) {
+    const std::size_t separator = program.find_last_of(platform::kPathSeparator);
+    const std::wstring folder = separator == std::wstring::npos ? L"." : program.substr(0, separator);
+    const std::wstring name = separator == std::wstring::npos ? program : program.substr(separator + 1);
+    std::cerr << "error: the engine program " << Utf8(name) << " could not be started: ";
+    if (foundation::FileExists(program)) {
+      std::cerr << Utf8(program) << " is there but did not run\n";
+    } else {
+      std::cerr << "it is not in " << Utf8(folder) << " (looked for " << Utf8(program) << ")\n";
+    }
+  }
+  return true;
+}
+
 int Fail(const std::string& what, long code) {
+  if (ReportEngineNotStarted()) return kExitFailed;
   EndProgress();
   std::cerr << "error: " << what;
   if (auto text = foundation::MessageText(static_cast<int>(code))) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/process.h"
 #include "platform/ui.h"
 
 namespace tavrine::cli {
@@ -40,11 +41,32 @@ class ConsoleUi : public platform::Ui {
   void PumpMessages() override {}
 };
 
+// Starts programs through the system's launcher and remembers those that
+// would not start, so that a failure can name its cause.
+class EngineStartWatch : public platform::ProcessLauncher {
+ public:
+  std::unique_ptr<platform::RunningProcess> Start(const std::wstring& program, const std::wstring& parameters,
+                                                  const std::wstring& working_folder) override;
+  // Each program once, in the order they failed.
+  const std::vector<std::wstring>& not_started() const { return not_started_; }
+
+ private:
+  std::vector<std::wstring> not_started_;
+};
+
+// The watch that main installs for the run.
+EngineStartWatch& EngineStarts();
+
+// For each engine program that could not be started, "error: ..." naming the
+// program and where it was looked for; true when it said so.
+bool ReportEngineNotStarted();
+
 // Progress on standard error, overwritten by the next line.
 void Progress(const std::string& text);
 void EndProgress();
 
-// "error: <what>" and the message table's text for the code, when it has one.
+// "error: <what>" and the message table's text for the code, when it has one;
+// an engine program that could not be started is named instead.
 int Fail(const std::string& what, long code);
 
 // The configuration must load and somebody must be logged in.

@@ -16,7 +16,7 @@ bool LoadRemoteListing(browsing::TavrinEenum& browser) {
   Progress("Fetching the remote listing...");
   bool loaded = browser.TavrinEInit() != 0;
   EndProgress();
-  if (!loaded) std::cerr << "error: the remote listing could not be fetched\n";
+  if (!loaded && !ReportEngineNotStarted()) std::cerr << "error: the remote listing could not be fetched\n";
   return loaded;
 }
 
@@ -108,6 +108,7 @@ int CommandVersions(const Arguments& args) {
   std::int32_t at = browser.GetFirstVersion(file, version);
   EndProgress();
   if (at == -1) {
+    if (ReportEngineNotStarted()) return kExitFailed;
     std::cerr << "error: no versions of " << args.positional()[0] << "\n";
     return kExitFailed;
   }

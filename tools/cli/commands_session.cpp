@@ -78,6 +78,7 @@ int CommandQuota(const Arguments&) {
   EndProgress();
   if (used == kUntouched) return Fail("the quota could not be read", -416);
   if (used < 0) {
+    if (ReportEngineNotStarted()) return kExitFailed;
     std::cerr << "error: the service sent no quota figures\n";
     return kExitFailed;
   }

@@ -74,6 +74,7 @@ int main(int argc, char** argv) {
   ConsoleUi console;
   tavrine::platform::Services seams;
   seams.ui = &console;
+  seams.launcher = &EngineStarts();
   seams.module_folder = install;
   tavrine::platform::ScopedServices scoped(seams);
 
