@@ -1,8 +1,10 @@
 # What every Windows binary of the build gets: a VERSIONINFO resource with the
 # project's version, and (TAVRINE_SPLIT_DEBUG) its debug information moved to
 # "<file>.debug" beside it, found again through a .gnu_debuglink section.
-# Programs and the DLL are found by walking the build's folders, so a new
-# program gets both without asking.
+# Included before the subdirectories (the link rules it changes are inherited
+# by them); tavrine_finish_windows_binaries() at the end adds the resources to
+# every program and DLL it finds in the build's folders, so a new program gets
+# both without asking.
 
 set(TAVRINE_PRODUCT_NAME "TavrinEUI" CACHE STRING "Product name in the version resources and the installer")
 set(TAVRINE_COMPANY_NAME "Brennick" CACHE STRING "Company name in the version resources and the installer")
@@ -11,6 +13,19 @@ option(TAVRINE_SPLIT_DEBUG "Strip the binaries and keep their debug information 
 set(_tavrine_version_parts ${PROJECT_VERSION_MAJOR} ${PROJECT_VERSION_MINOR} ${PROJECT_VERSION_PATCH} ${PROJECT_VERSION_TWEAK})
 list(TRANSFORM _tavrine_version_parts REPLACE "^$" "0")
 list(JOIN _tavrine_version_parts "," TAVRINE_VERSION_COMMAS)
+
+if(TAVRINE_SPLIT_DEBUG)
+  # Appended to the link rules, so that every executable and DLL is split
+  # right after it is linked; the link records only the .debug file's name.
+  set(_tavrine_split
+      " && ${CMAKE_OBJCOPY} --only-keep-debug <TARGET> <TARGET>.debug"
+      " && ${CMAKE_OBJCOPY} --strip-debug --strip-unneeded --add-gnu-debuglink=<TARGET>.debug <TARGET>")
+  string(CONCAT _tavrine_split ${_tavrine_split})
+  foreach(rule CMAKE_C_LINK_EXECUTABLE CMAKE_CXX_LINK_EXECUTABLE CMAKE_C_CREATE_SHARED_LIBRARY
+               CMAKE_CXX_CREATE_SHARED_LIBRARY)
+    string(APPEND ${rule} "${_tavrine_split}")
+  endforeach()
+endif()
 
 function(_tavrine_collect_binaries dir out)
   get_property(targets DIRECTORY ${dir} PROPERTY BUILDSYSTEM_TARGETS)
@@ -58,21 +73,9 @@ function(_tavrine_add_version_resource target)
   target_sources(${target} PRIVATE ${rc})
 endfunction()
 
-function(_tavrine_split_debug target)
-  add_custom_command(TARGET ${target} POST_BUILD
-    COMMAND ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE:${target}> $<TARGET_FILE:${target}>.debug
-    COMMAND ${CMAKE_OBJCOPY} --strip-debug --strip-unneeded
-            --add-gnu-debuglink=$<TARGET_FILE:${target}>.debug $<TARGET_FILE:${target}>
-    WORKING_DIRECTORY $<TARGET_FILE_DIR:${target}>
-    VERBATIM)
-endfunction()
-
 function(tavrine_finish_windows_binaries)
   _tavrine_collect_binaries(${PROJECT_SOURCE_DIR} targets)
   foreach(target IN LISTS targets)
     _tavrine_add_version_resource(${target})
-    if(TAVRINE_SPLIT_DEBUG)
-      _tavrine_split_debug(${target})
-    endif()
   endforeach()
 endfunction()

@@ -61,7 +61,7 @@ tavrine_win32_suite() {
   if ! tavrine_wine32_present && ! tavrine_wine32_install; then
     local not_run
     not_run=$(ctest --test-dir "$dir" -N -LE host 2>/dev/null | sed -n 's/^Total Tests: //p')
-    echo "win32: ${not_run:-all} 32-bit suites not run: wine32:i386 could not be installed ($TAVRINE_WINE32_REASON)"
+    echo "win32: ${not_run:-all} 32-bit tests under Wine not run: wine32:i386 could not be installed ($TAVRINE_WINE32_REASON)"
     if ctest --test-dir "$dir" -L host --output-on-failure >"$LOGS/win32-host-test.log" 2>&1; then
       total_passed=$((total_passed + 1))
     else
