@@ -52,15 +52,19 @@ package() {  # ARCH
   local name="TavrinEUI-$VERSION-$arch"
   say "packaging $name.msi"
   rm -f "$DIST/$name.msi"
-  tavrine_build_msi "$arch" "$VERSION" "$bin" "$BUILD/release-x64/bin/tavrine-regtable.exe" "$DIST/$name.msi"
+  tavrine_build_msi "$arch" "$VERSION" "$bin" "$BUILD/release-x64/bin/tavrine-regtable.exe" "$DIST/$name.msi" \
+    "$(cache_value TAVRINE_PRODUCT_NAME)" "$(cache_value TAVRINE_COMPANY_NAME)"
   rm -rf "$DIST/$name-symbols"
   mkdir -p "$DIST/$name-symbols"
   cp "$bin/TavrinEUI.dll" "$bin/TavrinEUI.dll.debug" "$DIST/$name-symbols/"
 }
 
+# The build's own values: version, product and company names.
+cache_value() { sed -n "s/^$1:[A-Z]*=//p" "$BUILD/release-x64/CMakeCache.txt"; }
+
 release_tree x64 mingw-w64-x86_64.cmake TavrinEUI tavrine-regtable
 release_tree x86 mingw-w64-i686.cmake TavrinEUI
-VERSION=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$BUILD/release-x64/CMakeCache.txt")
+VERSION=$(cache_value CMAKE_PROJECT_VERSION)
 mkdir -p "$DIST"
 wine_prefix
 package x64

@@ -5,12 +5,14 @@
 #   engine; install N+1 over N (one product afterwards); uninstall; every file
 #   the packages installed is gone and the registry exports equal the ones
 #   taken before the first install.
-# usage: install_test.sh ARCH VERSION BIN_DIR REGTABLE WORK
+# usage: install_test.sh ARCH VERSION BIN_DIR REGTABLE WORK [--no-client]
 #   BIN_DIR holds TavrinEUI.dll and the reference engine of ARCH; REGTABLE is
-#   a tavrine-regtable.exe that this Wine runs. Exit 0 only when every step passed.
+#   a tavrine-regtable.exe that this Wine runs. --no-client leaves out the
+#   classes and the operation (an x86 package without a 32-bit Wine: 64-bit
+#   msiexec still installs and removes it). Exit 0 only when every step passed.
 set -uo pipefail
 ARCH=$1 VERSION=$2
-BIN=$(realpath -m "$3") REGTABLE=$(realpath -m "$4") WORK=$(realpath -m "$5")
+BIN=$(realpath -m "$3") REGTABLE=$(realpath -m "$4") WORK=$(realpath -m "$5") CLIENT=${6:-}
 ROOT=$(cd "$(dirname "$0")/../.." && pwd)
 source "$ROOT/scripts/lib/msi.sh"
 
@@ -24,9 +26,10 @@ check() {  # WHAT COMMAND...
   if "$@"; then step ok "$what"; else step FAIL "$what"; fi
 }
 
+# REG_VIEW: the registry view the package writes to (x86: the 32-bit one).
 case $ARCH in
-  x64) PROGRAM_FILES="Program Files"; SCRIPT_HOST=cscript ;;
-  x86) PROGRAM_FILES="Program Files (x86)"; SCRIPT_HOST='C:\windows\syswow64\cscript.exe' ;;
+  x64) PROGRAM_FILES="Program Files"; SCRIPT_HOST=cscript; REG_VIEW=/reg:64 ;;
+  x86) PROGRAM_FILES="Program Files (x86)"; SCRIPT_HOST='C:\windows\syswow64\cscript.exe'; REG_VIEW=/reg:32 ;;
   *) echo "unknown architecture $ARCH" >&2; exit 2 ;;
 esac
 INSTALL="$WINEPREFIX/drive_c/$PROGRAM_FILES/TavrinEUI"
@@ -54,13 +57,14 @@ export_registry() {  # SUFFIX
     "$WINE" reg export "$hive" "$(tavrine_winpath "$WORK")\\$hive-$1.reg" /y >/dev/null 2>&1 || return 1
   done
 }
-# An export as text, without the empty keys Windows Installer keeps for its own
-# bookkeeping (HKLM\Software\Classes\Installer\..., HKLM\...\CurrentVersion\Installer\...):
-# the first install of any package creates them, and they stay on Windows as well.
+# An export as text, without the keys that hold no value: Windows Installer
+# keeps empty keys of its own (Installer\..., the parent of a product's
+# Uninstall entry), and on removal it deletes the empty parents of the keys it
+# removes, even ones that were there before (in a fresh prefix the 32-bit
+# view's CLSID and Interface keys are empty). Every value, and every key that
+# holds one, must be as before.
 registry_text() {
-  iconv -f UTF-16 -t UTF-8 "$1" | tr -d '\r' |
-    awk 'BEGIN { RS = ""; ORS = "\n\n"; installer = "^\\[HKEY_LOCAL_MACHINE\\\\Software\\\\(Classes|Microsoft\\\\Windows\\\\CurrentVersion)\\\\Installer[]\\\\]" }
-         !($0 ~ installer && $0 !~ /\n/) { print }'
+  iconv -f UTF-16 -t UTF-8 "$1" | tr -d '\r' | awk 'BEGIN { RS = ""; ORS = "\n\n" } /\n/ { print }'
 }
 msiexec() { "$WINE" msiexec "$@" >>"$WORK/msiexec.log" 2>&1; }
 package() { tavrine_winpath "$WORK/TavrinEUI-$1-$ARCH.msi"; }
@@ -71,10 +75,10 @@ installed_files() {
 files_present() { local f; for f in $(installed_files); do [[ -f $INSTALL/$f || -f $INSTALL/Lang/$f ]] || return 1; done; }
 files_absent() { local f; for f in $(installed_files); do [[ ! -e $INSTALL/$f && ! -e $INSTALL/Lang/$f ]] || return 1; done; }
 products() {  # the number of installed products named TavrinEUI, with their versions
-  "$WINE" reg query 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall' /s 2>/dev/null |
+  "$WINE" reg query 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall' /s "$REG_VIEW" 2>/dev/null |
     tr -d '\r' | grep -A30 -E '^HKEY' | awk '/DisplayName/ && /TavrinEUI/ {n++} END {print n+0}'
 }
-registry_value() { "$WINE" reg query "$1" /ve 2>/dev/null | tr -d '\r' | awk -F'REG_SZ' 'NF > 1 {sub(/^ +/, "", $2); print $2}'; }
+registry_value() { "$WINE" reg query "$1" /ve "$REG_VIEW" 2>/dev/null | tr -d '\r' | awk -F'REG_SZ' 'NF > 1 {sub(/^ +/, "", $2); print $2}'; }
 
 # The script host registers its own type library on its first run: that
 # happens before the first export, so the comparison sees only the installer's.
@@ -86,20 +90,27 @@ check "msiexec /i $VERSION /qn" msiexec /i "$(package "$VERSION")" /qn
 check "the installed files are in place" files_present
 check "the ProgID names the class" test -n "$(registry_value 'HKCR\TavrinEUI.clsAPI_Interface\CLSID')"
 
-# One operation through the registered classes, the engine answering -17.
-cp "$BIN/TavrinEClient.exe" "$INSTALL/TavrinEClsClient.exe"
-printf 'on 115\r\n  output -17\r\n' >"$INSTALL/engine-scenario.txt"
-cat >"$WORK/operation.vbs" <<'VBS'
+run_operation() {
+  # One operation through the registered classes, the engine answering -17.
+  cp "$BIN/TavrinEClient.exe" "$INSTALL/TavrinEClsClient.exe"
+  printf 'on 115\r\n  output -17\r\n' >"$INSTALL/engine-scenario.txt"
+  cat >"$WORK/operation.vbs" <<'VBS'
 Dim api, result
 Set api = CreateObject("TavrinEUI.clsAPI_Interface")
 result = api.API_REMOTE(WScript.Arguments(0))
 WScript.Echo "API_REMOTE " & result
 VBS
-operation=$("$WINE" "$SCRIPT_HOST" //nologo "$(tavrine_winpath "$WORK/operation.vbs")" \
-              "$(tavrine_winpath "$WORK/exchange")" 2>&1 | tr -d '\r')
-check "API_REMOTE through the installed classes returns the engine's code ($operation)" \
-  test "$operation" = "API_REMOTE -17"
-check "the engine ran once with code 115" grep -q "115" "$INSTALL/engine-journal.txt"
+  operation=$("$WINE" "$SCRIPT_HOST" //nologo "$(tavrine_winpath "$WORK/operation.vbs")" \
+                "$(tavrine_winpath "$WORK/exchange")" 2>&1 | tr -d '\r')
+  check "API_REMOTE through the installed classes returns the engine's code ($operation)" \
+    test "$operation" = "API_REMOTE -17"
+  check "the engine ran once with code 115" grep -q "115" "$INSTALL/engine-journal.txt"
+}
+if [[ $CLIENT == --no-client ]]; then
+  echo "not run: the classes and the operation (no client of this architecture)"
+else
+  run_operation
+fi
 # What the run left (the engine, its journal, the library's work folders and
 # the user's profile) is the test's, not the installer's: removed here.
 find "$INSTALL" -mindepth 1 -maxdepth 1 ! -name TavrinEUI.dll ! -name Configuration.ini ! -name Lang \
