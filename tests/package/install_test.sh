@@ -68,15 +68,20 @@ registry_text() {
 }
 msiexec() { "$WINE" msiexec "$@" >>"$WORK/msiexec.log" 2>&1; }
 package() { tavrine_winpath "$WORK/TavrinEUI-$1-$ARCH.msi"; }
-# The files a package installs, from its File table: "Lang\German.ini" ...
+# The file names in a package's File table (Configuration.ini, German.ini ...);
+# a file lives in the install folder or its Lang folder.
 installed_files() {
   msiinfo export "$WORK/TavrinEUI-$VERSION-$ARCH.msi" File | tail -n +4 | cut -f3 | sed 's/^[^|]*|//'
 }
 files_present() { local f; for f in $(installed_files); do [[ -f $INSTALL/$f || -f $INSTALL/Lang/$f ]] || return 1; done; }
 files_absent() { local f; for f in $(installed_files); do [[ ! -e $INSTALL/$f && ! -e $INSTALL/Lang/$f ]] || return 1; done; }
-products() {  # the number of installed products named TavrinEUI, with their versions
+# The versions of the installed products named TavrinEUI, one line each.
+installed_versions() {
   "$WINE" reg query 'HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall' /s "$REG_VIEW" 2>/dev/null |
-    tr -d '\r' | grep -A30 -E '^HKEY' | awk '/DisplayName/ && /TavrinEUI/ {n++} END {print n+0}'
+    tr -d '\r' | awk '/^HKEY/ { if (ours) print version; ours = 0; version = "" }
+                      /DisplayName/ && / TavrinEUI$/ { ours = 1 }
+                      /DisplayVersion/ { version = $NF }
+                      END { if (ours) print version }'
 }
 registry_value() { "$WINE" reg query "$1" /ve "$REG_VIEW" 2>/dev/null | tr -d '\r' | awk -F'REG_SZ' 'NF > 1 {sub(/^ +/, "", $2); print $2}'; }
 
@@ -88,6 +93,7 @@ export_registry before || { echo "FAIL: registry export"; exit 1; }
 
 check "msiexec /i $VERSION /qn" msiexec /i "$(package "$VERSION")" /qn
 check "the installed files are in place" files_present
+check "$VERSION installed ($(installed_versions | paste -sd' '))" test "$(installed_versions)" = "$VERSION"
 check "the ProgID names the class" test -n "$(registry_value 'HKCR\TavrinEUI.clsAPI_Interface\CLSID')"
 
 run_operation() {
@@ -118,11 +124,12 @@ find "$INSTALL" -mindepth 1 -maxdepth 1 ! -name TavrinEUI.dll ! -name Configurat
 "$WINE" reg delete 'HKCU\Software\Brennick' /f >/dev/null 2>&1
 
 check "msiexec /i $NEXT over $VERSION /qn" msiexec /i "$(package "$NEXT")" /qn
-check "one product installed after the upgrade" test "$(products)" = 1
+check "one product installed after the upgrade, $NEXT ($(installed_versions | paste -sd' '))" \
+  test "$(installed_versions | paste -sd' ')" = "$NEXT"
 check "the upgraded files are in place" files_present
 
 check "msiexec /x $NEXT /qn" msiexec /x "$(package "$NEXT")" /qn
-check "no product installed" test "$(products)" = 0
+check "no product installed" test -z "$(installed_versions)"
 check "the installed files are gone" files_absent
 check "the install folder is gone" test ! -e "$INSTALL"
 export_registry after || { echo "FAIL: registry export"; exit 1; }
