@@ -124,6 +124,11 @@ if [[ ! -f "$WINEPREFIX/system.reg" ]]; then
   wineserver -w
 fi
 suite win64 -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake"
+
+# --- 32-bit tree: build/win32, its suites when wine32 can be had ---------------
+source "$ROOT/scripts/lib/wine32.sh"
+tavrine_win32_suite
+# --- end of the 32-bit tree ----------------------------------------------------
 wineserver -k >/dev/null 2>&1 || true
 
 echo "$total_passed passed, $total_failed failed"

@@ -3,9 +3,10 @@
 
 # Everything either script needs: compilers, GoogleTest (the trees are
 # configured with their tests), mingw-w64 and widl, Wine, Xvfb, clang, zip
-# (the integrator's kit) and unzip (its test).
+# (the integrator's kit) and unzip (its test), wixl and msitools (the packages).
 TAVRINE_PACKAGES=(g++ cmake ninja-build libgtest-dev libgmock-dev googletest libbenchmark-dev
-                  mingw-w64 mingw-w64-tools libwine-dev wine wine64 xvfb xauth clang zip unzip)
+                  mingw-w64 mingw-w64-tools libwine-dev wine wine64 xvfb xauth clang zip unzip
+                  wixl msitools)
 
 # Installs the packages of the arguments that dpkg does not know yet, as root
 # or through sudo. Returns non-zero when the installation failed.

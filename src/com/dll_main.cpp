@@ -31,3 +31,13 @@ STDAPI DllCanUnloadNow() { return tavrine::com::ModuleInUse() ? S_FALSE : S_OK; 
 STDAPI DllRegisterServer() { return tavrine::com::RegisterServer(); }
 
 STDAPI DllUnregisterServer() { return tavrine::com::UnregisterServer(); }
+
+// The exports are called through these pointer types. On x86 an export
+// defined without STDAPI and declared by no header seen here would compile,
+// link (the .def names it undecorated) and corrupt the caller's stack; the
+// calling convention is part of the pointer type, so that stops the build.
+using ServerFunction = HRESULT(STDAPICALLTYPE*)();
+[[maybe_unused]] constexpr LPFNGETCLASSOBJECT kGetClassObject = &DllGetClassObject;
+[[maybe_unused]] constexpr LPFNCANUNLOADNOW kCanUnloadNow = &DllCanUnloadNow;
+[[maybe_unused]] constexpr ServerFunction kRegisterServer = &DllRegisterServer;
+[[maybe_unused]] constexpr ServerFunction kUnregisterServer = &DllUnregisterServer;

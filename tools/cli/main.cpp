@@ -38,7 +38,8 @@ const Command kCommands[] = {
 };
 
 void PrintHelp(std::ostream& out) {
-  out << "usage: tavrine [--install FOLDER] COMMAND [ARGUMENTS]\n\n"
+  out << "usage: tavrine [--install FOLDER] COMMAND [ARGUMENTS]\n"
+         "       tavrine --version\n\n"
          "Talks to the online backup through the client engine beside the library.\n"
          "--install FOLDER  the library's folder (Configuration.ini, the engine); default:\n"
          "                  the folder of this program\n\ncommands:\n";
@@ -56,6 +57,10 @@ int main(int argc, char** argv) {
   while (!words.empty() && words.front().rfind("--", 0) == 0) {
     if (words.front() == "--help" || words.front() == "-h") {
       PrintHelp(std::cout);
+      return kExitOk;
+    }
+    if (words.front() == "--version") {
+      std::cout << "tavrine " TAVRINE_VERSION "\n";
       return kExitOk;
     }
     if (words.front() == "--install" && words.size() > 1) {

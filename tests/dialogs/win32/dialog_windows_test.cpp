@@ -112,40 +112,43 @@ bool Screenshot(HWND window, const std::wstring& name) {
   return testing::WritePng(ScreenshotFolder() + L"\\" + name + L".png", width, height, rgb);
 }
 
+// EnumChildWindows callback: adds the control's text to *found when it is cut off.
+// A named CALLBACK function: a lambda converts to a cdecl pointer, wrong on x86.
+BOOL CALLBACK CollectCutOffText(HWND control, LPARAM found) {
+  wchar_t kind[16] = {};
+  GetClassNameW(control, kind, 16);
+  const bool label = lstrcmpiW(kind, L"Static") == 0, button = lstrcmpiW(kind, L"Button") == 0;
+  const std::wstring text = WindowText(control);
+  const LONG style = GetWindowLongW(control, GWL_STYLE);
+  if (!(label || button) || text.empty() || !IsWindowVisible(control)) return TRUE;
+  if (label && (style & SS_TYPEMASK) > SS_RIGHT) return TRUE;  // pictures, frames
+  const LONG shape = style & BS_TYPEMASK;
+  if (button && shape == BS_GROUPBOX) return TRUE;
+  RECT room{};
+  GetClientRect(control, &room);
+  const bool box = button && (shape == BS_CHECKBOX || shape == BS_AUTOCHECKBOX ||
+                              shape == BS_RADIOBUTTON || shape == BS_AUTORADIOBUTTON);
+  // The check mark, or a push button's edges, take their share of the width.
+  room.right -= box      ? GetSystemMetrics(SM_CXMENUCHECK) + 4
+                : button ? 2 * GetSystemMetrics(SM_CXEDGE)
+                         : 0;
+  const bool wraps = label || (style & BS_MULTILINE);
+  WindowDc dc(control);
+  SelectScope font(dc.get(), reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
+  RECT need{0, 0, room.right, 0};
+  DrawTextW(dc.get(), text.c_str(), -1, &need,
+            DT_CALCRECT | (wraps ? DT_WORDBREAK : DT_SINGLELINE));
+  if (need.right > room.right || need.bottom > room.bottom) {
+    reinterpret_cast<std::vector<std::wstring>*>(found)->push_back(text);
+  }
+  return TRUE;
+}
+
 // Texts of the visible labels and buttons that do not fit their control in its
 // own font: a translation longer than the layout allows.
 std::vector<std::wstring> CutOffTexts(HWND dialog) {
   std::vector<std::wstring> cut;
-  auto check = [](HWND control, LPARAM found) -> BOOL {
-    wchar_t kind[16] = {};
-    GetClassNameW(control, kind, 16);
-    const bool label = lstrcmpiW(kind, L"Static") == 0, button = lstrcmpiW(kind, L"Button") == 0;
-    const std::wstring text = WindowText(control);
-    const LONG style = GetWindowLongW(control, GWL_STYLE);
-    if (!(label || button) || text.empty() || !IsWindowVisible(control)) return TRUE;
-    if (label && (style & SS_TYPEMASK) > SS_RIGHT) return TRUE;  // pictures, frames
-    const LONG shape = style & BS_TYPEMASK;
-    if (button && shape == BS_GROUPBOX) return TRUE;
-    RECT room{};
-    GetClientRect(control, &room);
-    const bool box = button && (shape == BS_CHECKBOX || shape == BS_AUTOCHECKBOX ||
-                                shape == BS_RADIOBUTTON || shape == BS_AUTORADIOBUTTON);
-    // The check mark, or a push button's edges, take their share of the width.
-    room.right -= box      ? GetSystemMetrics(SM_CXMENUCHECK) + 4
-                  : button ? 2 * GetSystemMetrics(SM_CXEDGE)
-                           : 0;
-    const bool wraps = label || (style & BS_MULTILINE);
-    WindowDc dc(control);
-    SelectScope font(dc.get(), reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
-    RECT need{0, 0, room.right, 0};
-    DrawTextW(dc.get(), text.c_str(), -1, &need,
-              DT_CALCRECT | (wraps ? DT_WORDBREAK : DT_SINGLELINE));
-    if (need.right > room.right || need.bottom > room.bottom) {
-      reinterpret_cast<std::vector<std::wstring>*>(found)->push_back(text);
-    }
-    return TRUE;
-  };
-  EnumChildWindows(dialog, check, reinterpret_cast<LPARAM>(&cut));
+  EnumChildWindows(dialog, CollectCutOffText, reinterpret_cast<LPARAM>(&cut));
   return cut;
 }
 
