@@ -11,6 +11,7 @@
 #include <atomic>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -19,6 +20,7 @@
 #include "dialogs/win32/resource.h"
 #include "foundation/file_system.h"
 #include "foundation/settings.h"
+#include "operations/last_quota.h"
 #include "operations/ui_commands.h"
 #include "platform/module_folder.h"
 #include "png_writer.h"
@@ -38,7 +40,8 @@ testing::EngineInstallOptions Options(const char* language) {
   return {.aliases = {L"TavrinEClsClient.exe"},
           .configuration_ini = testing::StandardConfiguration(
               "EngineTimeoutSeconds=20\r\n"
-              "[WebLink]\r\nForgotPwdLink=https://www.tavrine.com/forgot\r\n",
+              "[WebLink]\r\nForgotPwdLink=https://www.tavrine.com/forgot\r\n"
+              "FirewallLink=https://www.tavrine.com/firewall\r\n",
               language)};
 }
 
@@ -74,6 +77,97 @@ void Type(HWND dialog, int id, const std::wstring& text) {
 std::wstring Read(HWND dialog, int id) { return WindowText(GetDlgItem(dialog, id)); }
 // Posted, never sent: the click may open a modal box the driver must answer.
 void Click(HWND dialog, int id) { PostMessageW(GetDlgItem(dialog, id), BM_CLICK, 0, 0); }
+
+// --- the keyboard ----------------------------------------------------------
+// Keys are posted to the control that has the focus, as the keyboard delivers
+// them, so the modal loop's dialog manager sees them first (Tab, Enter,
+// Escape, access keys). Each step waits, bounded, for what the key does.
+
+// The control with the keyboard focus on the window's thread.
+HWND FocusOf(HWND window) {
+  GUITHREADINFO info{};
+  info.cbSize = sizeof(info);
+  if (!GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info)) return nullptr;
+  return info.hwndFocus;
+}
+int FocusedId(HWND window) { return GetDlgCtrlID(FocusOf(window)); }
+
+void PostKey(HWND window, UINT key) {
+  HWND target = FocusOf(window);
+  if (!target) target = window;
+  PostMessageW(target, WM_KEYDOWN, key, 1);
+  PostMessageW(target, WM_KEYUP, key, 0xC0000001);
+}
+
+// The letter after the single "&" of a caption; 0 when it has none.
+wchar_t AccessKeyOf(const std::wstring& caption) {
+  for (std::size_t at = caption.find(L'&'); at != std::wstring::npos && at + 1 < caption.size();
+       at = caption.find(L'&', at + 2)) {
+    if (caption[at + 1] != L'&') return static_cast<wchar_t>(towupper(caption[at + 1]));
+  }
+  return 0;
+}
+
+// Alt and the access key of control `id`'s caption.
+void PressAccessKey(HWND dialog, int id) {
+  HWND target = FocusOf(dialog);
+  PostMessageW(target ? target : dialog, WM_SYSCHAR, AccessKeyOf(Read(dialog, id)), 0x20000001);
+}
+
+// Tab; true once the focus has moved on.
+bool Tab(HWND dialog) {
+  HWND before = FocusOf(dialog);
+  PostKey(dialog, VK_TAB);
+  return testing::WaitUntil([&] { return FocusOf(dialog) != before; }, 5000);
+}
+
+// Characters typed into the focused control; true once it shows `expected`.
+bool TypeKeys(HWND dialog, const std::wstring& text, const std::wstring& expected) {
+  HWND target = FocusOf(dialog);
+  for (wchar_t c : text) PostMessageW(target, WM_CHAR, c, 1);
+  return testing::WaitUntil([&] { return WindowText(target) == expected; }, 5000);
+}
+
+bool WaitForFocus(HWND dialog, int id) {
+  return testing::WaitUntil([&] { return FocusedId(dialog) == id; }, 5000);
+}
+
+// Reads the open message box's text and presses Enter on it.
+std::wstring AnswerBoxWithEnter(const std::wstring& title = kCaption) {
+  HWND box = WaitForWindow(title);
+  if (!box) return L"<no box>";
+  std::wstring text;
+  if (HWND label = GetDlgItem(box, 0xFFFF)) text = WindowText(label);
+  if (!testing::WaitUntil([&] { return IsChild(box, FocusOf(box)) != FALSE; }, 5000)) return L"<no focus>";
+  PostKey(box, VK_RETURN);
+  if (!testing::WaitUntil([&] { return !IsWindow(box); }, 5000)) return L"<still open>";
+  return text;
+}
+
+// Labels of inputs and every button need an access key, and no letter may
+// serve twice in one window; what is wrong, as readable lines.
+std::vector<std::wstring> AccessKeyProblems(HWND dialog) {
+  std::vector<std::wstring> problems;
+  std::map<wchar_t, std::wstring> taken;
+  for (HWND control = GetWindow(dialog, GW_CHILD); control; control = GetWindow(control, GW_HWNDNEXT)) {
+    wchar_t kind[32] = {}, next_kind[32] = {};
+    GetClassNameW(control, kind, 32);
+    HWND next = GetWindow(control, GW_HWNDNEXT);
+    if (next) GetClassNameW(next, next_kind, 32);
+    const std::wstring text = WindowText(control);
+    const LONG style = GetWindowLongW(control, GWL_STYLE);
+    const bool button = lstrcmpiW(kind, L"Button") == 0 && (style & BS_TYPEMASK) != BS_GROUPBOX;
+    const bool input_label = lstrcmpiW(kind, L"Static") == 0 && !(style & SS_NOTIFY) &&
+                             (lstrcmpiW(next_kind, L"Edit") == 0 || lstrcmpiW(next_kind, L"ComboBox") == 0);
+    const wchar_t key = AccessKeyOf(text);
+    if ((button || input_label) && key == 0) problems.push_back(L"no access key: " + text);
+    if (key == 0) continue;
+    if (auto [it, fresh] = taken.emplace(key, text); !fresh) {
+      problems.push_back(std::wstring(L"access key ") + key + L" twice: " + it->second + L" | " + text);
+    }
+  }
+  return problems;
+}
 
 std::wstring ScreenshotFolder() {
   std::wstring path = L"Z:" + std::wstring(TAVRINE_SCREENSHOT_DIR);
@@ -149,6 +243,27 @@ std::vector<std::wstring> CutOffTexts(HWND dialog) {
   return cut;
 }
 
+// A script that stopped early may leave its dialog open, perhaps under a
+// message box: after a grace period both are cancelled, so that the test ends
+// and reports instead of waiting forever.
+void CloseIfLeftOpen(HWND window) {
+  if (testing::WaitUntil([window] { return !IsWindow(window); }, 30000)) return;
+  const DWORD thread = GetWindowThreadProcessId(window, nullptr);
+  testing::WaitUntil(
+      [window, thread] {
+        if (!IsWindow(window)) return true;
+        EnumThreadWindows(
+            thread,
+            [](HWND open, LPARAM) -> BOOL {
+              if (IsWindowVisible(open)) PostMessageW(open, WM_COMMAND, IDCANCEL, 0);
+              return TRUE;
+            },
+            0);
+        return false;
+      },
+      30000);
+}
+
 // Runs `drive` on its own thread with the dialog titled `title` once it shows,
 // while the dialog runs modally on this one.
 class Driver {
@@ -158,15 +273,20 @@ class Driver {
           if (HWND window = WaitForWindow(title)) {
             found_ = true;
             drive(window);
+            ran_ = true;
+            CloseIfLeftOpen(window);
           }
           done_ = true;
         }) {}
   ~Driver() { thread_.join(); }
   // The dialog showed and the whole script ran before it ended.
-  bool done() const { return found_ && done_; }
+  // The driver thread may still be on its way out when the dialog has ended.
+  bool done() const {
+    return testing::WaitUntil([this] { return done_.load(); }, 70000) && found_ && ran_;
+  }
 
  private:
-  std::atomic<bool> found_{false}, done_{false};
+  std::atomic<bool> found_{false}, ran_{false}, done_{false};
   std::thread thread_;
 };
 
@@ -242,6 +362,7 @@ class WindowsTest : public ::testing::Test {
       fs::copy_file(fs::path(TAVRINE_LANG_DIR) / file, install_.path() / "Lang" / file);
     }
     foundation::CurrentSettings() = foundation::Settings{};
+    operations::LastQuota().reset();
     testing::ResetProfileStore();
     foundation::LoadConfigurations();
   }
@@ -270,19 +391,20 @@ class DialogWindows : public WindowsTest, public ::testing::WithParamInterface<c
   // cuts off; a screenshot that cannot be taken fails the test.
   void Shoot(HWND window, const std::wstring& name) {
     if (!Screenshot(window, name + Say(L"_en", L"_de", L"_es"))) ++missing_shots_;
-    for (const std::wstring& text : CutOffTexts(window)) {
-      std::lock_guard<std::mutex> lock(cut_off_mutex_);
-      cut_off_.push_back(name + L": " + text);
-    }
+    std::lock_guard<std::mutex> lock(mutex_);
+    for (const std::wstring& text : CutOffTexts(window)) cut_off_.push_back(name + L": " + text);
+    for (const std::wstring& text : AccessKeyProblems(window)) access_keys_.push_back(name + L": " + text);
   }
   void TearDown() override {
     EXPECT_EQ(missing_shots_.load(), 0);
     EXPECT_EQ(cut_off_, std::vector<std::wstring>{});
+    EXPECT_EQ(access_keys_, std::vector<std::wstring>{});
   }
 
  private:
-  std::mutex cut_off_mutex_;
+  std::mutex mutex_;
   std::vector<std::wstring> cut_off_;
+  std::vector<std::wstring> access_keys_;
 };
 
 // A first login behind a proxy: the proxy is set through Advanced (the only
@@ -311,7 +433,7 @@ TEST_P(DialogWindows, LoginDialogChecksInputThenLogsInThroughTheProxySetBeforeha
     Click(window, IDC_advanced);
     HWND proxy = WaitForWindow(ProxyTitle());
     if (!proxy) return;
-    SendMessageW(GetDlgItem(proxy, IDC_Proxyenabled), BM_SETCHECK, BST_CHECKED, 0);
+    SendMessageW(GetDlgItem(proxy, IDC_Proxyenabled), BM_CLICK, 0, 0);
     HWND port_field = GetDlgItem(proxy, IDC_ProxyPort);
     Type(proxy, IDC_ProxyPort, L"");
     for (wchar_t key : std::wstring(L"3a1-2x8")) SendMessageW(port_field, WM_CHAR, key, 0);
@@ -331,8 +453,8 @@ TEST_P(DialogWindows, LoginDialogChecksInputThenLogsInThroughTheProxySetBeforeha
   });
   EXPECT_EQ(dialog.Show(nullptr), 403);
   EXPECT_TRUE(driver.done());
-  EXPECT_EQ(label, Say(L"Username or Email Address:", L"Benutzername oder E-Mail-Adresse:",
-                      L"Usuario o correo electrónico:"));
+  EXPECT_EQ(label, Say(L"&Username or Email Address:", L"&Benutzername oder E-Mail-Adresse:",
+                      L"&Usuario o correo electrónico:"));
   EXPECT_EQ(password_box,
             Say(L"Enter your password.", L"Geben Sie Ihr Kennwort ein.", L"Escriba su contraseña."));
   EXPECT_EQ(tooltip_count, 2);
@@ -389,26 +511,201 @@ TEST_P(DialogWindows, EncryptionPsdHandsBackTheTrimmedPassword) {
   EXPECT_EQ(choice.key, L"my key");
 }
 
-TEST_P(DialogWindows, SessionWindowShowsUserServerAndQuota) {
+// The quota read when the window opens, then again with Refresh by its access
+// key; a failed read shows its box and keeps the figures. Keys only.
+TEST_P(DialogWindows, SessionWindowShowsTheQuotaAndRefreshesItFromTheKeyboard) {
   profile::SetCurrentUserName(L"alice");
   profile::UpdateUserProfile(L"username", L"alice");
   profile::UpdateUserProfile(L"serverip", L"127.0.0.1");
-  install_.SetScenario(
-      EngineScenario().On(114).Output(0).WithFile("Quota.txt", "1073741824\r\n2147483648\r\n"));
-  std::wstring user, server, quota;
+  install_.SetScenario(EngineScenario()
+                           .On(114).Output(0).WithFile("Quota.txt", "1073741824\r\n2147483648\r\n")
+                           .Then().Output(0).WithFile("Quota.txt", "1181116006\r\n2147483648\r\n")
+                           .Then().Info(-416));
+  std::wstring user, server, opened, refreshed, after_failure, read_at, box;
+  LRESULT opened_bar = -1, refreshed_bar = -1;
+  bool refresh_done = false;
   Driver driver(std::wstring(kCaption) + Say(L" - Session", L" - Sitzung", L" - Sesión"), [&](HWND window) {
     user = Read(window, IDC_txtSessionUser);
     server = Read(window, IDC_txtSessionServer);
-    quota = Read(window, IDC_txtSessionQuota);
+    opened = Read(window, IDC_txtSessionQuota);
+    opened_bar = SendDlgItemMessageW(window, IDC_pbSessionQuota, PBM_GETPOS, 0, 0);
+    PressAccessKey(window, IDC_cmdRefresh);
+    refresh_done = testing::WaitUntil([&] { return Read(window, IDC_txtSessionQuota) != opened; }, 15000);
+    refreshed = Read(window, IDC_txtSessionQuota);
+    refreshed_bar = SendDlgItemMessageW(window, IDC_pbSessionQuota, PBM_GETPOS, 0, 0);
+    read_at = Read(window, IDC_txtSessionQuotaTime);
     Shoot(window, L"session");
-    Click(window, IDC_Cancel);
+    // Refresh has the focus now: Space presses it.
+    if (!WaitForFocus(window, IDC_cmdRefresh)) return;
+    PostKey(window, VK_SPACE);
+    box = AnswerBoxWithEnter();
+    after_failure = Read(window, IDC_txtSessionQuota);
+    if (!WaitForFocus(window, IDC_cmdRefresh)) return;
+    PostKey(window, VK_ESCAPE);
   });
   std::int32_t owner = 0;
   EXPECT_EQ(operations::UICommands().UI_Session_Command(owner), 1);
   EXPECT_TRUE(driver.done());
   EXPECT_EQ(user, L"alice");
   EXPECT_EQ(server, L"127.0.0.1");
-  EXPECT_EQ(quota, L"1.00 GB / 2.00 GB");
+  EXPECT_EQ(opened, Say(L"1.0 GB of 2.0 GB used", L"1,0 GB von 2,0 GB belegt", L"1,0 GB de 2,0 GB usados"));
+  EXPECT_EQ(opened_bar, 500);
+  EXPECT_TRUE(refresh_done);
+  EXPECT_EQ(refreshed, Say(L"1.1 GB of 2.0 GB used", L"1,1 GB von 2,0 GB belegt", L"1,1 GB de 2,0 GB usados"));
+  EXPECT_EQ(refreshed_bar, 550);
+  const std::wstring read_prefix = Say(L"Read at ", L"Gelesen um ", L"Leído a las ");
+  EXPECT_EQ(read_at.substr(0, read_prefix.size()), read_prefix);
+  EXPECT_EQ(read_at.size(), read_prefix.size() + 5) << "HH:MM";
+  EXPECT_NE(box, L"<no box>");
+  EXPECT_FALSE(box.empty());
+  EXPECT_EQ(after_failure, refreshed);
+  EXPECT_EQ(install_.Codes(), (std::vector<int>{114, 114, 114, 114, 114, 114}));
+}
+
+// Every control the login needs is reached with Tab alone, the links too; an
+// access key moves to its field, Enter logs in, Enter and Space follow a link,
+// and Escape after a failed login hands back the failure's code.
+TEST_P(DialogWindows, LoginDialogWorksFromTheKeyboardAlone) {
+  install_.SetScenario(EngineScenario().On(110).Output(901).On(116).Info(-403));
+  std::mutex opened_mutex;
+  std::vector<std::wstring> opened;
+  ScopedShellOpener shell([&](const std::wstring& target, const std::wstring&) {
+    std::lock_guard<std::mutex> lock(opened_mutex);
+    opened.push_back(target);
+    return std::intptr_t{42};
+  });
+  auto opened_count = [&] {
+    std::lock_guard<std::mutex> lock(opened_mutex);
+    return opened.size();
+  };
+  std::vector<int> tab_order;
+  bool typed = false, followed = false, box_shown = false;
+  std::wstring box;
+  Driver driver(std::wstring(kCaption) + L" - Login", [&](HWND window) {
+    if (!WaitForFocus(window, IDC_txtUserName)) return;
+    do {
+      tab_order.push_back(FocusedId(window));
+    } while (tab_order.size() < 30 && Tab(window) && FocusedId(window) != tab_order.front());
+    // Enter on one link, Space on another.
+    for (const auto& [link, key] : {std::pair{IDC_picForgotPassword, VK_RETURN}, std::pair{IDC_picFirewall, VK_SPACE}}) {
+      const std::size_t before = opened_count();
+      for (int tabs = 0; tabs < 30 && FocusedId(window) != link && Tab(window); ++tabs) {
+      }
+      if (FocusedId(window) != link) return;
+      PostKey(window, key);
+      followed = testing::WaitUntil([&] { return opened_count() == before + 1; }, 5000);
+      if (!followed) return;
+    }
+    PressAccessKey(window, IDC_lblUserName);
+    typed = WaitForFocus(window, IDC_txtUserName) && TypeKeys(window, L"alice", L"alice");
+    PressAccessKey(window, IDC_lblPassword);
+    typed = typed && WaitForFocus(window, IDC_txtPassword) && TypeKeys(window, L"wrong", L"wrong");
+    PressAccessKey(window, IDC_lblServer);
+    typed = typed && WaitForFocus(window, IDC_schipaddress);
+    // A field reached by its access key has its text selected: typing replaces it.
+    typed = typed && TypeKeys(window, L"localhost", L"localhost");
+    if (!typed) return;
+    PostKey(window, VK_RETURN);
+    box = AnswerBoxWithEnter();
+    box_shown = true;
+    // The password field has the focus again, its text selected.
+    if (!WaitForFocus(window, IDC_txtPassword)) return;
+    PostKey(window, VK_ESCAPE);
+  });
+  std::int32_t owner = 0;
+  EXPECT_EQ(operations::UICommands().UI_Login_Command(owner), -403);
+  EXPECT_TRUE(driver.done());
+  const std::vector<int> expected_order = {
+      IDC_txtUserName, IDC_txtPassword,      IDC_schipaddress,      IDC_remunamepwd,
+      IDC_auto_Reconnect, IDC_Login,         IDC_Cancel,            IDC_advanced,
+      IDC_picNewUserReg, IDC_picForgotPassword, IDC_picUpgrade,     IDC_picFirewall};
+  EXPECT_EQ(tab_order, expected_order);
+  EXPECT_TRUE(followed);
+  EXPECT_EQ(opened, (std::vector<std::wstring>{
+                        L"https://www.tavrine.com/forgot" + Say(L"", L"&country=DE&lang=de", L"&country=ES&lang=es"),
+                        L"https://www.tavrine.com/firewall" + Say(L"", L"&country=DE&lang=de", L"&country=ES&lang=es")}));
+  EXPECT_TRUE(typed);
+  EXPECT_TRUE(box_shown);
+  EXPECT_EQ(box, Say(L"Enter the correct Password and try again.",
+                     L"Geben Sie das richtige Kennwort ein und versuchen Sie es erneut.",
+                     L"Escriba la contraseña correcta e inténtelo de nuevo."));
+  EXPECT_EQ(install_.Codes(), (std::vector<int>{110, 116}));
+  const auto runs = install_.Journal();
+  ASSERT_EQ(runs.size(), 2u);
+  EXPECT_EQ(testing::RequestLine(runs[1], 3), L"cnkeg") << "alice, shifted";
+}
+
+// The proxy dialog by keys only: its dependent fields follow their check
+// boxes, and Apply writes exactly what it always wrote.
+TEST_P(DialogWindows, ProxyDialogWorksFromTheKeyboardAndEnablesFieldsByTheirCheckBox) {
+  std::mutex mutex;
+  std::vector<std::pair<std::wstring, std::wstring>> written;
+  auto written_count = [&] {
+    std::lock_guard<std::mutex> lock(mutex);
+    return written.size();
+  };
+  ProxyDialog dialog([](const std::wstring& name) { return name == L"Proxyset" ? L"0" : L""; },
+                     [&](const std::wstring& name, const std::wstring& value) {
+                       std::lock_guard<std::mutex> lock(mutex);
+                       written.emplace_back(name, value);
+                     });
+  auto enabled = [](HWND window, std::initializer_list<int> ids) {
+    std::vector<bool> states;
+    for (int id : ids) states.push_back(IsWindowEnabled(GetDlgItem(window, id)) != FALSE);
+    return states;
+  };
+  const std::initializer_list<int> kProxyFields = {IDC_httpopt, IDC_socksopt, IDC_IPText, IDC_ProxyPort};
+  const std::initializer_list<int> kAuthFields = {IDC_sUsername, IDC_sPassword};
+  std::vector<bool> at_start_proxy, at_start_auth, proxy_on, auth_on, proxy_off;
+  bool steps = false;
+  Driver driver(ProxyTitle(), [&](HWND window) {
+    if (!WaitForFocus(window, IDC_Proxyenabled)) return;
+    at_start_proxy = enabled(window, kProxyFields);
+    at_start_auth = enabled(window, kAuthFields);
+    // The window's thread enables them one after the other: wait for all.
+    auto all = [&](std::initializer_list<int> ids, bool state) {
+      return testing::WaitUntil([&] { return enabled(window, ids) == std::vector<bool>(ids.size(), state); }, 5000);
+    };
+    PostKey(window, VK_SPACE);  // the check box has the focus
+    all(kProxyFields, true);
+    proxy_on = enabled(window, kProxyFields);
+    PressAccessKey(window, IDC_lblIPText);
+    if (!WaitForFocus(window, IDC_IPText) || !TypeKeys(window, L"proxy.example", L"proxy.example")) return;
+    PressAccessKey(window, IDC_lblProxyPort);
+    if (!WaitForFocus(window, IDC_ProxyPort) || !TypeKeys(window, L"31x28", L"3128")) return;
+    PressAccessKey(window, IDC_ProxyAuth);
+    all(kAuthFields, true);
+    auth_on = enabled(window, kAuthFields);
+    PressAccessKey(window, IDC_lblsUsername);
+    if (!WaitForFocus(window, IDC_sUsername) || !TypeKeys(window, L"bob", L"bob")) return;
+    PressAccessKey(window, IDC_lblsPassword);
+    if (!WaitForFocus(window, IDC_sPassword) || !TypeKeys(window, L"pw", L"pw")) return;
+    PostKey(window, VK_RETURN);  // Apply, the default button
+    if (!testing::WaitUntil([&] { return written_count() == 8; }, 5000)) return;
+    PressAccessKey(window, IDC_Proxyenabled);
+    all(kProxyFields, false);
+    proxy_off = enabled(window, kProxyFields);
+    PostKey(window, VK_RETURN);
+    if (!testing::WaitUntil([&] { return written_count() == 16; }, 5000)) return;
+    steps = true;
+    PostKey(window, VK_ESCAPE);
+  });
+  dialog.Show(nullptr);
+  EXPECT_TRUE(driver.done());
+  EXPECT_TRUE(steps);
+  EXPECT_EQ(at_start_proxy, std::vector<bool>(4, false));
+  EXPECT_EQ(at_start_auth, std::vector<bool>(2, false));
+  EXPECT_EQ(proxy_on, std::vector<bool>(4, true));
+  EXPECT_EQ(auth_on, std::vector<bool>(2, true));
+  EXPECT_EQ(proxy_off, std::vector<bool>(4, false));
+  const std::vector<std::pair<std::wstring, std::wstring>> applied = {
+      {L"Proxyset", L"1"},       {L"proxytypehttp", L"1"}, {L"proxytypesocks", L"0"},
+      {L"ProxyName", L"proxy.example"}, {L"ProxyPort", L"3128"}, {L"ProxyAuthOn", L"1"},
+      {L"ProxyUser", L"bob"},    {L"ProxyPass", L"pw"}};
+  std::vector<std::pair<std::wstring, std::wstring>> twice = applied;
+  twice.insert(twice.end(), applied.begin(), applied.end());
+  twice[8].second = L"0";  // the second Apply, with the proxy off
+  EXPECT_EQ(written, twice);
 }
 
 // A link label's click as its dialog receives it.
