@@ -483,8 +483,8 @@ TEST_P(DialogWindows, EncKeyOptionRefusesAShortKeyThenTakesTheDefault) {
     Click(window, IDC_Enc_Option_Next);
     box = DismissBox();
     cleared = Read(window, IDC_txtEncPsd1);
+    // Posted clicks run in the order they were posted: no pause between them.
     Click(window, IDC_DefaultKey);
-    Sleep(100);
     Click(window, IDC_Enc_Option_Next);
   });
   KeyChoice choice = dialog.Show(nullptr);
