@@ -215,7 +215,9 @@ namespace {
 
 bool IsFollowKey(WPARAM key) { return key == VK_RETURN || key == VK_SPACE; }
 
-// A dotted frame around the link's text while it has the focus.
+// A dotted frame in the link's colour around its text while it has the
+// focus. Drawn, not XORed: the link repaints under it every time, and Wine's
+// XOR focus frame does not show.
 void DrawLinkFocus(HWND link) {
   const int length = GetWindowTextLengthW(link);
   std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
@@ -228,7 +230,11 @@ void DrawLinkFocus(HWND link) {
   GetClientRect(link, &client);
   area.right = std::min(area.right + 2, client.right);
   area.bottom = std::min(area.bottom + 1, client.bottom);
-  DrawFocusRect(dc.get(), &area);
+  UniqueGdi<HPEN> pen(CreatePen(PS_DOT, 1, kLinkColor));
+  SelectScope frame_pen(dc.get(), pen.get());
+  SelectScope no_fill(dc.get(), GetStockObject(NULL_BRUSH));
+  SetBkMode(dc.get(), TRANSPARENT);
+  Rectangle(dc.get(), area.left, area.top, area.right, area.bottom);
 }
 
 }  // namespace

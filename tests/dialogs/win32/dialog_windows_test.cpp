@@ -592,6 +592,7 @@ TEST_P(DialogWindows, LoginDialogWorksFromTheKeyboardAlone) {
       for (int tabs = 0; tabs < 30 && FocusedId(window) != link && Tab(window); ++tabs) {
       }
       if (FocusedId(window) != link) return;
+      if (link == IDC_picForgotPassword) Shoot(window, L"login_link_focus");
       PostKey(window, key);
       followed = testing::WaitUntil([&] { return opened_count() == before + 1; }, 5000);
       if (!followed) return;
