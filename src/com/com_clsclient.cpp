@@ -5,6 +5,8 @@
 #include "com/portable_classes.h"
 #include "engine/proxy.h"
 
+#include <climits>
+
 namespace tavrine::com {
 namespace {
 
@@ -24,10 +26,17 @@ engine::ProxyBlock MakeProxyBlock(short proxyexistsflag, short proxytype, BSTR p
   return block;
 }
 
-// The record's flag is a VARIANT_BOOL; the portable side counts 1 as "enabled".
+// The record types the flag VARIANT_BOOL, but callers compare it with 1, the
+// number "Proxyset" stores: it crosses as that number, not as -1. A stored
+// number too wide for the field still reads as "enabled".
+VARIANT_BOOL ProxyFlagField(std::int32_t stored) {
+  if (stored < SHRT_MIN || stored > SHRT_MAX) return VARIANT_TRUE;
+  return static_cast<VARIANT_BOOL>(stored);
+}
+
 engine::ProxySettings FromRecord(const Proxy_Settings& record) {
   engine::ProxySettings settings;
-  settings.Proxyenabled = FromVariantBool(record.Proxyenabled) ? 1 : 0;
+  settings.Proxyenabled = record.Proxyenabled;
   settings.IPText = ToWide(record.IPText);
   settings.ProxyPort = ToWide(record.ProxyPort);
   settings.httpopt_Item = FromVariantBool(record.httpopt_Item);
@@ -43,7 +52,7 @@ void ToRecord(const engine::ProxySettings& settings, Proxy_Settings& record) {
   UniqueBstr port = MakeBstr(settings.ProxyPort);
   UniqueBstr user = MakeBstr(settings.sUsername);
   UniqueBstr password = MakeBstr(settings.sPassword);
-  record.Proxyenabled = ToVariantBool(settings.Proxyenabled != 0);
+  record.Proxyenabled = ProxyFlagField(settings.Proxyenabled);
   record.httpopt_Item = ToVariantBool(settings.httpopt_Item);
   record.socksopt_Item = ToVariantBool(settings.socksopt_Item);
   UniqueBstr(std::exchange(record.IPText, ip.release()));

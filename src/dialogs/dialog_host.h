@@ -1,6 +1,9 @@
 #pragma once
 #include <cstdint>
+#include <optional>
 #include <string>
+
+#include "operations/last_quota.h"
 
 namespace tavrine::dialogs {
 
@@ -8,14 +11,14 @@ namespace tavrine::dialogs {
 struct SessionInfo {
   std::wstring user;
   std::wstring server;
-  double quota_bytes = 0;
-  double used_bytes = 0;
-  bool quota_known = false;
+  std::optional<operations::QuotaReading> quota;
 };
-// The logged-in user, the server in use and the quota (one engine round trip).
+// The logged-in user, the server in use and the last quota read on this
+// thread; without one yet, the quota is read through the engine once.
 SessionInfo LoadSessionInfo();
-// "1.5 GB"-style text of a byte count.
-std::wstring FormatBytes(double bytes);
+// Reads the quota again through the engine (failures show their usual
+// messages) and returns the last reading, the new one when it succeeded.
+std::optional<operations::QuotaReading> RefreshQuota();
 
 // The windows the UI commands open. The Win32 layer provides the real one;
 // tests install their own with ScopedDialogHost.

@@ -78,6 +78,9 @@ inline constexpr int kSessionTitle = 1570;
 inline constexpr int kSessionUser = 1571;
 inline constexpr int kSessionServer = 1572;
 inline constexpr int kSessionQuota = 1573;
+inline constexpr int kSessionRefresh = 1574;
+inline constexpr int kSessionQuotaUsed = 1575;  // "%1 of %2 used"
+inline constexpr int kSessionQuotaRead = 1576;  // "Read at %1"
 }  // namespace caption
 
 }  // namespace tavrine::dialogs

@@ -376,6 +376,7 @@ LoginProcedure::CallResult LoginProcedure::RunCall(LoginCall call,
                                      proxy.proxyserverpwd};
   }();
   auto& ui = platform::CurrentUi();
+  engine_called_ = true;
   for (int attempt = 1; attempt <= kLoginAttempts; ++attempt) {
     client_.DeleteInputOutFilesTempFd(folder);
     foundation::WriteUtf16Lines(JoinPath(folder, L"DLLInput.txt"), request);

@@ -95,10 +95,14 @@ class LoginProcedure {
 
   // True when the account is logged in, the profile saved and the dialog closed.
   bool OnLogin();
-  // The dialog was closed without a login.
-  void OnCancel() { last_code_ = kLoginCancelledCode; }
+  // The dialog was closed without a login. After an engine call its code
+  // stays the result, so the caller learns why the login did not happen.
+  void OnCancel() {
+    if (!engine_called_) last_code_ = kLoginCancelledCode;
+  }
 
-  // The last engine result (-416 while network attempts go on).
+  // The last engine result (-416 while network attempts go on); "Login
+  // cancelled" when the dialog was closed before any engine call.
   std::int16_t result_code() const { return last_code_; }
   bool logged_in() const { return logged_in_; }
 
@@ -148,6 +152,7 @@ class LoginProcedure {
   engine::ProxySettings proxy_;
   engine::clsClient client_;
   std::int16_t last_code_ = 0;
+  bool engine_called_ = false;
   bool logged_in_ = false;
 };
 

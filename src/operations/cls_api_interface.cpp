@@ -12,6 +12,7 @@
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/trace_log.h"
+#include "operations/last_quota.h"
 #include "operations/shared_texts.h"
 #include "platform/services.h"
 
@@ -288,6 +289,8 @@ std::int16_t clsAPI_Interface::API_GetQuota(double& sMaxSize, double& sUsedSpace
     if (auto lines = foundation::ReadAnsiLines(JoinPath(folder, L"Quota.txt"))) {
       if (lines->size() > 0) sUsedSpace = foundation::LeadingNumber((*lines)[0]);
       if (lines->size() > 1) sMaxSize = foundation::LeadingNumber((*lines)[1]);
+      // Kept for the session window, which shows it without another engine run.
+      if (!lines->empty()) LastQuota() = QuotaReading{sUsedSpace, sMaxSize, platform::CurrentClock().Now()};
     }
     DeleteFolderTree(folder);
     result = 0;

@@ -7,12 +7,14 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <filesystem>
 #include <thread>
 #include <string>
 #include <vector>
 
 #include "TavrinEUI.h"
 #include "com/com_ptr.h"
+#include "support/install_folder.h"
 #include "support/temp_folder.h"
 #include "tlbdump/tlb_dump.h"
 
@@ -339,6 +341,77 @@ TEST_F(ComTest, early_bound_calls_check_pointers_and_fill_results) {
   EXPECT_EQ(enumerator->TavrinENextFile(nullptr, &next), E_POINTER);
   EXPECT_EQ(enumerator->TavrinENextFile(&data, &next), S_OK);
   EXPECT_EQ(next, -1) << "no listing was loaded on this thread";
+}
+
+// A copy of the library in an install folder of its own, so that it reads a
+// configuration and a profile without touching the build folder's.
+class InstalledCopy {
+ public:
+  static constexpr const wchar_t* kRootKey = L"Software\\Brennick\\TavrinEComProxy";
+
+  InstalledCopy() {
+    std::filesystem::copy_file(Server::Get().path, folder_.path() / L"TavrinEUI.dll");
+    tavrine::testing::WriteFileBytes(
+        folder_.path() / "Configuration.ini",
+        tavrine::testing::StandardConfiguration("", "English", "TavrinEComProxy"));
+    RegDeleteTreeW(HKEY_CURRENT_USER, kRootKey);
+    module_ = LoadLibraryW((folder_.path() / L"TavrinEUI.dll").c_str());
+  }
+  ~InstalledCopy() {
+    if (module_) FreeLibrary(module_);
+    RegDeleteTreeW(HKEY_CURRENT_USER, kRootKey);
+  }
+  // Makes `user` the current user with these plain profile values.
+  void SetProfile(const std::wstring& user, const std::vector<std::pair<std::wstring, std::wstring>>& values) {
+    SetValue(kRootKey, L"CurrentUser", user);
+    for (const auto& [name, value] : values) SetValue(std::wstring(kRootKey) + L"\\" + user, name, value);
+  }
+  ComPtr<_clsClient> CreateClient() const {
+    ComPtr<_clsClient> client;
+    auto get_class_object = reinterpret_cast<GetClassObjectFunction>(
+        reinterpret_cast<void*>(GetProcAddress(module_, "DllGetClassObject")));
+    ComPtr<IClassFactory> factory;
+    if (!get_class_object || FAILED(get_class_object(CLSID_clsClient, IID_IClassFactory, factory.put_void())))
+      return client;
+    factory->CreateInstance(nullptr, IID__clsClient, client.put_void());
+    return client;
+  }
+
+ private:
+  static void SetValue(const std::wstring& key, const std::wstring& name, const std::wstring& value) {
+    RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), name.c_str(), REG_SZ, value.c_str(),
+                    static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+  }
+  tavrine::testing::TempFolder folder_;
+  HMODULE module_ = nullptr;
+};
+
+// Callers compare Proxyenabled with 1, the number the profile stores; the two
+// choices stay VARIANT_BOOLs.
+TEST(ComProxy, load_proxy_settings_hands_back_the_stored_proxy_flag) {
+  const struct {
+    const wchar_t* proxyset;
+    VARIANT_BOOL expected;
+  } kRows[] = {{L"1", 1}, {L"0", 0}, {L"", 0}, {L"2", 2}, {L"-1", -1}, {L"70000", VARIANT_TRUE}};
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.proxyset);
+    InstalledCopy copy;
+    copy.SetProfile(L"proxyuser", {{L"Proxyset", row.proxyset},
+                                   {L"proxytypehttp", L"1"},
+                                   {L"proxytypesocks", L"0"},
+                                   {L"ProxyName", L"proxy.example"}});
+    ComPtr<_clsClient> client = copy.CreateClient();
+    ASSERT_TRUE(client.get());
+    ASSERT_EQ(client->LoadConfigurations(), S_OK);
+    Proxy_Settings settings{};
+    settings.Proxyenabled = 77;  // poisoned: must be overwritten
+    ASSERT_EQ(client->LoadProxySettings(&settings), S_OK);
+    EXPECT_EQ(settings.Proxyenabled, row.expected);
+    EXPECT_EQ(settings.httpopt_Item, VARIANT_TRUE);
+    EXPECT_EQ(settings.socksopt_Item, VARIANT_FALSE);
+    EXPECT_EQ(UniqueBstr(settings.IPText).view(), L"proxy.example");
+    for (BSTR field : {settings.ProxyPort, settings.sUsername, settings.sPassword}) SysFreeString(field);
+  }
 }
 
 TEST_F(ComTest, embedded_type_library_matches_the_golden_listing) {

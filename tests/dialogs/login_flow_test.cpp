@@ -146,6 +146,9 @@ TEST_F(LoginTest, EachFailureCodeShowsItsOneMessageAndLeavesTheProfileAlone) {
         EXPECT_TRUE(ui_.boxes().empty());
       }
       EXPECT_EQ(procedure.result_code(), code);
+      // Closing the dialog now keeps the code: the caller learns why.
+      procedure.OnCancel();
+      EXPECT_EQ(procedure.result_code(), code);
       EXPECT_FALSE(view_.locked);
       EXPECT_FALSE(view_.closed);
       EXPECT_FALSE(Saved(L"alice"));
@@ -239,6 +242,9 @@ TEST_F(LoginTest, MissingInputOrANameThatCannotBeAnAccountStopsBeforeAnyEngineRu
   }
   EXPECT_TRUE(install_.Journal().empty());
   EXPECT_TRUE(profile::ProfileStore::ForCurrentInstallation().Users().empty());
+  // No engine call yet: closing the dialog is "Login cancelled".
+  procedure_.OnCancel();
+  EXPECT_EQ(procedure_.result_code(), kLoginCancelledCode);
 }
 
 TEST_F(LoginTest, NetworkFailuresAreRetriedThreeTimesWithFiveSecondPauses) {

@@ -57,10 +57,5 @@ TEST_F(UiLoginCommand, SessionCommandShowsTheSessionWindowOwnedByTheCaller) {
   EXPECT_EQ(host_.session_owners, (std::vector<std::intptr_t>{1234}));
 }
 
-TEST(DialogTexts, FormatBytes) {
-  EXPECT_EQ(dialogs::FormatBytes(512), L"512 bytes");
-  EXPECT_EQ(dialogs::FormatBytes(2147483648.0), L"2.00 GB");
-}
-
 }  // namespace
 }  // namespace tavrine::operations

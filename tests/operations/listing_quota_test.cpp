@@ -5,6 +5,7 @@
 
 #include "foundation/settings.h"
 #include "operations/cls_api_interface.h"
+#include "operations/last_quota.h"
 #include "operations/ui_commands.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
@@ -159,6 +160,37 @@ TEST_F(Quota, FailedAnswers) {
     EXPECT_EQ(fs::exists(platform::ToFsPath(UserFolder()) / "LoginProgress.txt"),
               c.codes.size() != 4);
   }
+}
+
+// The session window shows the last figures read, with their time; a failed
+// read keeps them, and another thread has its own.
+TEST_F(Quota, TheLastReadingIsKeptWithItsTimeOnItsThread) {
+  EXPECT_FALSE(LastQuota());
+  const platform::LocalTime first{2026, 11, 25, 17, 42, 5, 0};
+  clock_.SetNow(first);
+  install_.Restart(EngineScenario().On(114).Output(0).WithFile("Quota.txt", "1181116006\r\n2147483648\r\n"));
+  double max_size = 0, used = 0;
+  clsAPI_Interface().API_GetQuota(max_size, used);
+  ASSERT_TRUE(LastQuota());
+  EXPECT_EQ(LastQuota()->used_bytes, 1181116006.0);
+  EXPECT_EQ(LastQuota()->total_bytes, 2147483648.0);
+  EXPECT_EQ(LastQuota()->read_at.hour, 17);
+  EXPECT_EQ(LastQuota()->read_at.minute, 42);
+
+  clock_.SetNow({2026, 11, 25, 18, 0, 0, 0});
+  for (const EngineScenario& failing :
+       {EngineScenario().On(114).Info(-416), EngineScenario().On(114).Info(-403),
+        EngineScenario().On(114).Output(0)}) {
+    install_.Restart(failing);
+    clsAPI_Interface().API_GetQuota(max_size, used);
+    ASSERT_TRUE(LastQuota());
+    EXPECT_EQ(LastQuota()->used_bytes, 1181116006.0);
+    EXPECT_EQ(LastQuota()->read_at.hour, 17);
+  }
+
+  bool other_thread_has_one = true;
+  std::thread([&] { other_thread_has_one = LastQuota().has_value(); }).join();
+  EXPECT_FALSE(other_thread_has_one);
 }
 
 }  // namespace

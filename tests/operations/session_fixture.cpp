@@ -1,5 +1,6 @@
 #include "session_fixture.h"
 
+#include "operations/last_quota.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
 #include "support/install_folder.h"
@@ -11,6 +12,7 @@ SessionTest::SessionTest() : install_(StandardEngineInstall()) {}
 void SessionTest::SetUp() {
   seams_.emplace(platform::Services{.clock = &clock_, .ui = &ui_, .module_folder = {}});
   foundation::CurrentSettings() = foundation::Settings{};
+  operations::LastQuota().reset();
   ResetProfileStore();
   profile::SetCurrentUserName(L"alice");
   profile::UpdateUserProfile(L"username", L"alice");

@@ -14,29 +14,33 @@
 
 namespace {
 
+struct LoginWindowSearch {
+  DWORD process;
+  HWND found;
+};
+
+// EnumWindows callback. A named CALLBACK function: a lambda would convert to a
+// cdecl pointer, which breaks the stack of a 32-bit program.
+BOOL CALLBACK MatchLoginWindow(HWND window, LPARAM data) {
+  auto* search = reinterpret_cast<LoginWindowSearch*>(data);
+  DWORD owner = 0;
+  GetWindowThreadProcessId(window, &owner);
+  wchar_t title[256] = {};
+  GetWindowTextW(window, title, 256);
+  const std::wstring text = title;
+  const std::wstring suffix = L" - Login";
+  if (owner == search->process && IsWindowVisible(window) && text.size() > suffix.size() &&
+      text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0) {
+    search->found = window;
+    return FALSE;
+  }
+  return TRUE;
+}
+
 // The login window is "<product caption> - Login", a dialog of this process.
 HWND FindLoginWindow() {
-  struct Search {
-    DWORD process;
-    HWND found;
-  } search{GetCurrentProcessId(), nullptr};
-  EnumWindows(
-      [](HWND window, LPARAM data) -> BOOL {
-        auto* s = reinterpret_cast<Search*>(data);
-        DWORD owner = 0;
-        GetWindowThreadProcessId(window, &owner);
-        wchar_t title[256] = {};
-        GetWindowTextW(window, title, 256);
-        const std::wstring text = title;
-        const std::wstring suffix = L" - Login";
-        if (owner == s->process && IsWindowVisible(window) && text.size() > suffix.size() &&
-            text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0) {
-          s->found = window;
-          return FALSE;
-        }
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&search));
+  LoginWindowSearch search{GetCurrentProcessId(), nullptr};
+  EnumWindows(MatchLoginWindow, reinterpret_cast<LPARAM>(&search));
   return search.found;
 }
 

@@ -204,6 +204,88 @@ INT_PTR DialogBase::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
   }
 }
 
+void DialogBase::AddLink(int id) {
+  links_.push_back(id);
+  HWND link = Item(id);
+  SetWindowLongPtrW(link, GWL_STYLE, GetWindowLongPtrW(link, GWL_STYLE) | WS_TABSTOP);
+  SetWindowSubclass(link, LinkKeys, 0, 0);
+}
+
+namespace {
+
+bool IsFollowKey(WPARAM key) { return key == VK_RETURN || key == VK_SPACE; }
+
+// A dotted frame in the link's colour around its text while it has the
+// focus. Drawn, not XORed: the link repaints under it every time, and Wine's
+// XOR focus frame does not show.
+void DrawLinkFocus(HWND link) {
+  const int length = GetWindowTextLengthW(link);
+  std::wstring text(static_cast<std::size_t>(length) + 1, L'\0');
+  GetWindowTextW(link, text.data(), length + 1);
+  WindowDc dc(link);
+  SelectScope font(dc.get(), reinterpret_cast<HGDIOBJ>(SendMessageW(link, WM_GETFONT, 0, 0)));
+  RECT area{};
+  DrawTextW(dc.get(), text.c_str(), -1, &area, DT_CALCRECT | DT_SINGLELINE);
+  RECT client{};
+  GetClientRect(link, &client);
+  area.right = std::min(area.right + 2, client.right);
+  area.bottom = std::min(area.bottom + 1, client.bottom);
+  UniqueGdi<HPEN> pen(CreatePen(PS_DOT, 1, kLinkColor));
+  SelectScope frame_pen(dc.get(), pen.get());
+  SelectScope no_fill(dc.get(), GetStockObject(NULL_BRUSH));
+  SetBkMode(dc.get(), TRANSPARENT);
+  Rectangle(dc.get(), area.left, area.top, area.right, area.bottom);
+}
+
+}  // namespace
+
+LRESULT CALLBACK DialogBase::LinkKeys(HWND link, UINT message, WPARAM wparam, LPARAM lparam,
+                                      UINT_PTR, DWORD_PTR) {
+  switch (message) {
+    case WM_GETDLGCODE: {
+      // Enter and Space go to the link, not to the dialog's default button.
+      const auto* pending = reinterpret_cast<const MSG*>(lparam);
+      if (pending && (pending->message == WM_KEYDOWN || pending->message == WM_CHAR) &&
+          IsFollowKey(pending->wParam)) {
+        return DLGC_WANTMESSAGE | DefSubclassProc(link, message, wparam, lparam);
+      }
+      break;
+    }
+    case WM_KEYDOWN:
+      if (IsFollowKey(wparam)) {
+        SendMessageW(GetParent(link), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(link), STN_CLICKED),
+                     reinterpret_cast<LPARAM>(link));
+        return 0;
+      }
+      break;
+    case WM_CHAR:
+      if (IsFollowKey(wparam)) return 0;  // followed on the key press
+      break;
+    case WM_SETFOCUS:
+    case WM_KILLFOCUS: {
+      // The parent paints under a see-through link, so the frame goes with a
+      // repaint of that spot.
+      HWND parent = GetParent(link);
+      RECT spot{};
+      GetWindowRect(link, &spot);
+      MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&spot), 2);
+      RedrawWindow(parent, &spot, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+      break;
+    }
+    case WM_PAINT: {
+      LRESULT painted = DefSubclassProc(link, message, wparam, lparam);
+      if (GetFocus() == link) DrawLinkFocus(link);
+      return painted;
+    }
+    case WM_NCDESTROY:
+      RemoveWindowSubclass(link, LinkKeys, 0);
+      break;
+    default:
+      break;
+  }
+  return DefSubclassProc(link, message, wparam, lparam);
+}
+
 bool DialogBase::IsLink(int id) const {
   return std::find(links_.begin(), links_.end(), id) != links_.end();
 }

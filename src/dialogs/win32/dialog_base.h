@@ -90,8 +90,9 @@ class DialogBase {
   void Focus(int id, bool select_all = false);
   void Enable(int id, bool enabled);
   void End(INT_PTR result) { EndDialog(hwnd_, result); }
-  // Link labels: blue text and the hand cursor.
-  void AddLink(int id) { links_.push_back(id); }
+  // Link labels: blue text and the hand cursor; a tab stop that Enter and
+  // Space follow as a click does.
+  void AddLink(int id);
 
   clsToolTip tips_;
   HoverButtons hover_;
@@ -100,6 +101,7 @@ class DialogBase {
 
  private:
   static INT_PTR CALLBACK Proc(HWND, UINT, WPARAM, LPARAM);
+  static LRESULT CALLBACK LinkKeys(HWND, UINT, WPARAM, LPARAM, UINT_PTR, DWORD_PTR);
   INT_PTR Handle(UINT message, WPARAM wparam, LPARAM lparam);
   void ApplyRoundedRegion();
   bool IsLink(int id) const;

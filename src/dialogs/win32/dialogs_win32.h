@@ -73,6 +73,7 @@ class ProxyDialog final : public DialogBase, private ProxyView {
   void FocusAddress() override;
   void FocusUserName() override;
   void CloseDialog() override;
+  void EnableDependentControls();
   static LRESULT CALLBACK PortFilter(HWND, UINT, WPARAM, LPARAM, UINT_PTR, DWORD_PTR);
 
   ProfileReader reader_;
@@ -133,6 +134,8 @@ class frmSession final : public DialogBase {
  private:
   int OnInit() override;
   void OnCommand(int id, int notification) override;
+  // The quota line, its bar and the time it was read.
+  void ShowQuota(const std::optional<operations::QuotaReading>& quota);
   SessionInfo info_;
 };
 

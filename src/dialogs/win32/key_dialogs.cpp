@@ -35,8 +35,8 @@ int EncKeyOptionDialog::OnInit() {
   SetWindowTextW(hwnd(), LocalText(caption::kEncTitle, L"Encryption key").c_str());
   SetText(IDC_lblHeading, LocalText(caption::kKeyHeading,
                                     L"Provide an encryption key to encrypt and decrypt your files and folders"));
-  SetText(IDC_DefaultKey, LocalText(caption::kDefaultKey, L"Default encryption key"));
-  SetText(IDC_PrivateKey, LocalText(caption::kPrivateKey, L"Set my own encryption key (Recommended)"));
+  SetText(IDC_DefaultKey, LocalText(caption::kDefaultKey, L"&Default encryption key"));
+  SetText(IDC_PrivateKey, LocalText(caption::kPrivateKey, L"Set &my own encryption key (Recommended)"));
   // The service's own product says so by name; a rebranded one says "Application".
   SetText(IDC_lblDefaultNote,
           settings.product_name == L"Tavrin"
@@ -48,10 +48,10 @@ int EncKeyOptionDialog::OnInit() {
           LocalText(caption::kPrivateKeyNote,
                     L"Remember and enter this key to access your backed up data. For the safety of your "
                     L"own backup data, do not share this with anyone else."));
-  SetText(IDC_lblEncPsd1, LocalText(caption::kSetKey, L"Set your encryption key:"));
-  SetText(IDC_lblEncPsd2, LocalText(caption::kConfirmKey, L"Confirm your encryption key:"));
-  SetText(IDC_Enc_Option_Next, LocalText(caption::kContinue, L"Continue"));
-  SetText(IDC_IDCancel, LocalText(caption::kClose, L"Close"));
+  SetText(IDC_lblEncPsd1, LocalText(caption::kSetKey, L"Set your encryption &key:"));
+  SetText(IDC_lblEncPsd2, LocalText(caption::kConfirmKey, L"Con&firm your encryption key:"));
+  SetText(IDC_Enc_Option_Next, LocalText(caption::kContinue, L"Co&ntinue"));
+  SetText(IDC_IDCancel, LocalText(caption::kClose, L"&Close"));
   SetText(IDC_lblHelp, LocalText(caption::kHelp, L"Help"));
   AddLink(IDC_lblHelp);
   for (int id : {IDC_txtEncPsd1, IDC_txtEncPsd2}) {
@@ -92,9 +92,9 @@ int EncryptionPsdDialog::OnInit() {
   SetText(IDC_lblInstruction,
           LocalText(caption::kEncInstruction,
                     L"Enter the encryption password that was set when the account was used for the first time."));
-  SetText(IDC_lblEncPsd, LocalText(caption::kEncKeyLabel, L"Encryption Key   :"));
-  SetText(IDC_IDReg, LocalText(caption::kContinue, L"Continue"));
-  SetText(IDC_IDCancel, LocalText(caption::kClose, L"Close"));
+  SetText(IDC_lblEncPsd, LocalText(caption::kEncKeyLabel, L"&Encryption Key   :"));
+  SetText(IDC_IDReg, LocalText(caption::kContinue, L"Co&ntinue"));
+  SetText(IDC_IDCancel, LocalText(caption::kClose, L"&Close"));
   SetText(IDC_lblHelp, LocalText(caption::kHelp, L"Help"));
   AddLink(IDC_lblHelp);
   SendDlgItemMessageW(hwnd(), IDC_txtEncPsd, EM_LIMITTEXT, kKeyFieldLimit, 0);

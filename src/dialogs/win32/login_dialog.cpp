@@ -19,14 +19,14 @@ struct Caption {
 };
 
 constexpr Caption kLoginCaptions[] = {
-    {IDC_lblUserName, caption::kUserNameLabel, L"Username or Email Address:"},
-    {IDC_lblPassword, caption::kPasswordLabel, L"Password:"},
-    {IDC_lblServer, caption::kServerLabel, L"Connect to Server:"},
-    {IDC_remunamepwd, caption::kRemember, L"Remember Username / Password and other settings"},
-    {IDC_auto_Reconnect, caption::kAutoReconnect, L"Reconnect automatically on Login"},
-    {IDC_Login, caption::kLogin, L"Login"},
-    {IDC_Cancel, caption::kCancel, L"Cancel"},
-    {IDC_advanced, caption::kAdvanced, L"Advanced"},
+    {IDC_lblUserName, caption::kUserNameLabel, L"&Username or Email Address:"},
+    {IDC_lblPassword, caption::kPasswordLabel, L"&Password:"},
+    {IDC_lblServer, caption::kServerLabel, L"Connect to &Server:"},
+    {IDC_remunamepwd, caption::kRemember, L"Re&member Username / Password and other settings"},
+    {IDC_auto_Reconnect, caption::kAutoReconnect, L"Reconnect &automatically on Login"},
+    {IDC_Login, caption::kLogin, L"&Login"},
+    {IDC_Cancel, caption::kCancel, L"&Cancel"},
+    {IDC_advanced, caption::kAdvanced, L"A&dvanced"},
     {IDC_picNewUserReg, caption::kNewUser, L"New User Sign up"},
     {IDC_picForgotPassword, caption::kForgotPassword, L"Forgot Password"},
     {IDC_picUpgrade, caption::kUpgrade, L"Upgrade Account"},

@@ -25,19 +25,19 @@ int ProxyDialog::OnInit() {
     int id;
     const wchar_t* english;
   } const captions[] = {
-      {IDC_Proxyenabled, caption::kProxyEnabled, L"Enable HTTP/SOCKS Proxy"},
+      {IDC_Proxyenabled, caption::kProxyEnabled, L"&Enable HTTP/SOCKS Proxy"},
       {IDC_lblProxyNote, caption::kProxyNote, L"Only HTTP/SOCKS based HTTP proxy"},
-      {IDC_httpopt, caption::kHttpOption, L"Enable HTTP proxy"},
-      {IDC_socksopt, caption::kSocksOption, L"Enable SOCKS proxy"},
-      {IDC_lblIPText, caption::kProxyAddress, L"Proxy Address:"},
-      {IDC_lblProxyPort, caption::kProxyPortLabel, L"Proxy Port:"},
-      {IDC_cmdGetIESetting, caption::kGetIeSettings, L"Get IE Settings"},
-      {IDC_ProxyAuth, caption::kProxyAuth, L"Enable Proxy Authentication"},
-      {IDC_lblsUsername, caption::kProxyUser, L"Proxy Username:"},
-      {IDC_lblsPassword, caption::kProxyPassword, L"Proxy Password:"},
-      {IDC_Ok, caption::kApply, L"Apply Proxy Settings"},
-      {IDC_Reset, caption::kReset, L"Reset"},
-      {IDC_Cancel, caption::kClose, L"Close"},
+      {IDC_httpopt, caption::kHttpOption, L"Enable &HTTP proxy"},
+      {IDC_socksopt, caption::kSocksOption, L"Enable &SOCKS proxy"},
+      {IDC_lblIPText, caption::kProxyAddress, L"Proxy &Address:"},
+      {IDC_lblProxyPort, caption::kProxyPortLabel, L"Proxy &Port:"},
+      {IDC_cmdGetIESetting, caption::kGetIeSettings, L"&Get IE Settings"},
+      {IDC_ProxyAuth, caption::kProxyAuth, L"Enable Proxy Au&thentication"},
+      {IDC_lblsUsername, caption::kProxyUser, L"Proxy &Username:"},
+      {IDC_lblsPassword, caption::kProxyPassword, L"Proxy Pass&word:"},
+      {IDC_Ok, caption::kApply, L"App&ly Proxy Settings"},
+      {IDC_Reset, caption::kReset, L"&Reset"},
+      {IDC_Cancel, caption::kClose, L"&Close"},
       {IDC_lblHelp, caption::kHelp, L"Help"},
   };
   for (const auto& c : captions) SetText(c.control, LocalText(c.id, c.english));
@@ -71,7 +71,19 @@ int ProxyDialog::OnInit() {
   hover_.Add(Item(IDC_Ok), L"Big Btn1", L"Big Btn2");
   hover_.Add(Item(IDC_Reset), L"Small Btn1", L"Small Btn2");
   hover_.Add(Item(IDC_Cancel), L"Small Btn1", L"Small Btn2");
+  EnableDependentControls();
   return IDC_Proxyenabled;
+}
+
+// Address, port and type mean something only with a proxy, user name and
+// password only with authentication. Apply reads them all the same.
+void ProxyDialog::EnableDependentControls() {
+  const bool proxy = Checked(IDC_Proxyenabled);
+  for (int id : {IDC_httpopt, IDC_socksopt, IDC_lblIPText, IDC_IPText, IDC_lblProxyPort, IDC_ProxyPort}) {
+    Enable(id, proxy);
+  }
+  const bool auth = Checked(IDC_ProxyAuth);
+  for (int id : {IDC_lblsUsername, IDC_sUsername, IDC_lblsPassword, IDC_sPassword}) Enable(id, auth);
 }
 
 LRESULT CALLBACK ProxyDialog::PortFilter(HWND edit, UINT message, WPARAM wparam, LPARAM lparam,
@@ -101,13 +113,20 @@ void ProxyDialog::OnCommand(int id, int notification) {
     case IDC_lblHelp:
       if (notification == STN_CLICKED) OpenHelpTopic(kProxyHelpTopic);
       return;
+    case IDC_Proxyenabled:
+    case IDC_ProxyAuth:
+      if (notification == BN_CLICKED) EnableDependentControls();
+      return;
     default:
       return;
   }
 }
 
 bool ProxyDialog::ProxyEnabled() { return Checked(IDC_Proxyenabled); }
-void ProxyDialog::SetProxyEnabled(bool checked) { SetChecked(IDC_Proxyenabled, checked); }
+void ProxyDialog::SetProxyEnabled(bool checked) {
+  SetChecked(IDC_Proxyenabled, checked);
+  EnableDependentControls();
+}
 bool ProxyDialog::HttpSelected() { return Checked(IDC_httpopt); }
 bool ProxyDialog::SocksSelected() { return Checked(IDC_socksopt); }
 std::wstring ProxyDialog::Address() { return Text(IDC_IPText); }

@@ -75,6 +75,9 @@
 #define IDC_txtSessionServer 1404
 #define IDC_lblSessionQuota 1405
 #define IDC_txtSessionQuota 1406
+#define IDC_pbSessionQuota 1407
+#define IDC_txtSessionQuotaTime 1408
+#define IDC_cmdRefresh 1409
 
 // The manifest that asks for common controls 6, activated around our dialogs.
 #define IDR_DIALOGS_MANIFEST 2

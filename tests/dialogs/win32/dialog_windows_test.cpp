@@ -7,171 +7,24 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <atomic>
 #include <filesystem>
-#include <functional>
-#include <mutex>
-#include <thread>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "dialogs/win32/dialogs_win32.h"
 #include "dialogs/win32/resource.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
 #include "operations/ui_commands.h"
 #include "platform/module_folder.h"
-#include "png_writer.h"
 #include "profile/profile_store.h"
-#include "support/engine_harness.h"
-#include "support/install_folder.h"
+#include "window_driver.h"
 
 namespace tavrine::dialogs::win32 {
 namespace {
 
 namespace fs = std::filesystem;
 using testing::EngineScenario;
-
-constexpr const wchar_t* kCaption = L"TavrinE Online Backup";
-
-testing::EngineInstallOptions Options(const char* language) {
-  return {.aliases = {L"TavrinEClsClient.exe"},
-          .configuration_ini = testing::StandardConfiguration(
-              "EngineTimeoutSeconds=20\r\n"
-              "[WebLink]\r\nForgotPwdLink=https://www.tavrine.com/forgot\r\n",
-              language)};
-}
-
-std::wstring WindowText(HWND window) {
-  wchar_t text[1024] = {};
-  GetWindowTextW(window, text, 1024);
-  return text;
-}
-
-// Polls for a top-level window of this process with exactly this title.
-HWND WaitForWindow(const std::wstring& title, int timeout_ms = 15000) {
-  for (int waited = 0; waited < timeout_ms; waited += 50) {
-    if (HWND window = FindWindowW(L"#32770", title.c_str()); window && IsWindowVisible(window)) return window;
-    Sleep(50);
-  }
-  return nullptr;
-}
-
-// Reads the open message box's text and presses OK.
-std::wstring DismissBox(const std::wstring& title = kCaption) {
-  HWND box = WaitForWindow(title);
-  if (!box) return L"<no box>";
-  std::wstring text;
-  if (HWND label = GetDlgItem(box, 0xFFFF)) text = WindowText(label);
-  PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
-  for (int i = 0; i < 100 && IsWindow(box); ++i) Sleep(20);
-  return text;
-}
-
-void Type(HWND dialog, int id, const std::wstring& text) {
-  SendMessageW(GetDlgItem(dialog, id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
-}
-std::wstring Read(HWND dialog, int id) { return WindowText(GetDlgItem(dialog, id)); }
-// Posted, never sent: the click may open a modal box the driver must answer.
-void Click(HWND dialog, int id) { PostMessageW(GetDlgItem(dialog, id), BM_CLICK, 0, 0); }
-
-std::wstring ScreenshotFolder() {
-  std::wstring path = L"Z:" + std::wstring(TAVRINE_SCREENSHOT_DIR);
-  std::replace(path.begin(), path.end(), L'/', L'\\');
-  CreateDirectoryW(path.c_str(), nullptr);
-  return path;
-}
-
-// The window as the screen shows it, written as PNG; false when it could not be read.
-bool Screenshot(HWND window, const std::wstring& name) {
-  RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-  Sleep(300);
-  RECT rect{};
-  GetWindowRect(window, &rect);
-  const int width = rect.right - rect.left, height = rect.bottom - rect.top;
-  if (width <= 0 || height <= 0) return false;
-  WindowDc screen(nullptr);
-  MemoryDc memory(screen.get());
-  BITMAPINFO info{};
-  info.bmiHeader = {sizeof(BITMAPINFOHEADER), width, -height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
-  void* bits = nullptr;
-  UniqueBitmap bitmap(CreateDIBSection(screen.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-  if (!bitmap) return false;
-  {
-    SelectScope select(memory.get(), bitmap.get());
-    BitBlt(memory.get(), 0, 0, width, height, screen.get(), rect.left, rect.top, SRCCOPY);
-  }
-  GdiFlush();
-  const int stride = (width * 3 + 3) & ~3;
-  std::vector<std::uint8_t> rgb;
-  rgb.reserve(static_cast<std::size_t>(width) * height * 3);
-  for (int y = 0; y < height; ++y) {
-    const auto* row = static_cast<const std::uint8_t*>(bits) + static_cast<std::size_t>(y) * stride;
-    for (int x = 0; x < width; ++x) rgb.insert(rgb.end(), {row[x * 3 + 2], row[x * 3 + 1], row[x * 3]});
-  }
-  return testing::WritePng(ScreenshotFolder() + L"\\" + name + L".png", width, height, rgb);
-}
-
-// EnumChildWindows callback: adds the control's text to *found when it is cut off.
-// A named CALLBACK function: a lambda converts to a cdecl pointer, wrong on x86.
-BOOL CALLBACK CollectCutOffText(HWND control, LPARAM found) {
-  wchar_t kind[16] = {};
-  GetClassNameW(control, kind, 16);
-  const bool label = lstrcmpiW(kind, L"Static") == 0, button = lstrcmpiW(kind, L"Button") == 0;
-  const std::wstring text = WindowText(control);
-  const LONG style = GetWindowLongW(control, GWL_STYLE);
-  if (!(label || button) || text.empty() || !IsWindowVisible(control)) return TRUE;
-  if (label && (style & SS_TYPEMASK) > SS_RIGHT) return TRUE;  // pictures, frames
-  const LONG shape = style & BS_TYPEMASK;
-  if (button && shape == BS_GROUPBOX) return TRUE;
-  RECT room{};
-  GetClientRect(control, &room);
-  const bool box = button && (shape == BS_CHECKBOX || shape == BS_AUTOCHECKBOX ||
-                              shape == BS_RADIOBUTTON || shape == BS_AUTORADIOBUTTON);
-  // The check mark, or a push button's edges, take their share of the width.
-  room.right -= box      ? GetSystemMetrics(SM_CXMENUCHECK) + 4
-                : button ? 2 * GetSystemMetrics(SM_CXEDGE)
-                         : 0;
-  const bool wraps = label || (style & BS_MULTILINE);
-  WindowDc dc(control);
-  SelectScope font(dc.get(), reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0)));
-  RECT need{0, 0, room.right, 0};
-  DrawTextW(dc.get(), text.c_str(), -1, &need,
-            DT_CALCRECT | (wraps ? DT_WORDBREAK : DT_SINGLELINE));
-  if (need.right > room.right || need.bottom > room.bottom) {
-    reinterpret_cast<std::vector<std::wstring>*>(found)->push_back(text);
-  }
-  return TRUE;
-}
-
-// Texts of the visible labels and buttons that do not fit their control in its
-// own font: a translation longer than the layout allows.
-std::vector<std::wstring> CutOffTexts(HWND dialog) {
-  std::vector<std::wstring> cut;
-  EnumChildWindows(dialog, CollectCutOffText, reinterpret_cast<LPARAM>(&cut));
-  return cut;
-}
-
-// Runs `drive` on its own thread with the dialog titled `title` once it shows,
-// while the dialog runs modally on this one.
-class Driver {
- public:
-  Driver(const std::wstring& title, std::function<void(HWND)> drive)
-      : thread_([this, title, drive] {
-          if (HWND window = WaitForWindow(title)) {
-            found_ = true;
-            drive(window);
-          }
-          done_ = true;
-        }) {}
-  ~Driver() { thread_.join(); }
-  // The dialog showed and the whole script ran before it ended.
-  bool done() const { return found_ && done_; }
-
- private:
-  std::atomic<bool> found_{false}, done_{false};
-  std::thread thread_;
-};
 
 template <class T>
 std::string Bytes(const T& value) {
@@ -236,58 +89,6 @@ COLORREF ClientPixel(HWND window, POINT point) {
   return GetPixel(screen.get(), point.x, point.y);
 }
 
-// An engine install in `language`, the language files beside it and a clean profile.
-class WindowsTest : public ::testing::Test {
- protected:
-  explicit WindowsTest(const char* language) : install_(Options(language)) {
-    fs::create_directories(install_.path() / "Lang");
-    for (const char* file : {"German.ini", "Spanish.ini"}) {
-      fs::copy_file(fs::path(TAVRINE_LANG_DIR) / file, install_.path() / "Lang" / file);
-    }
-    foundation::CurrentSettings() = foundation::Settings{};
-    testing::ResetProfileStore();
-    foundation::LoadConfigurations();
-  }
-  ~WindowsTest() override { testing::ResetProfileStore(); }
-
-  testing::EngineInstall install_;
-  std::atomic<int> missing_shots_{0};
-};
-
-class DialogWindows : public WindowsTest, public ::testing::WithParamInterface<const char*> {
- protected:
-  DialogWindows() : WindowsTest(GetParam()) {}
-  bool German() const { return std::string(GetParam()) == "German"; }
-  bool Spanish() const { return std::string(GetParam()) == "Spanish"; }
-  // The text as this test's language has it.
-  std::wstring Say(const wchar_t* english, const wchar_t* german, const wchar_t* spanish) const {
-    return German() ? german : Spanish() ? spanish : english;
-  }
-  std::wstring KeyTitle() const {
-    return Say(L"Encryption key", L"Verschlüsselungsschlüssel", L"Clave de cifrado");
-  }
-  std::wstring ProxyTitle() const {
-    return Say(L"Proxy Settings", L"Proxy-Einstellungen", L"Configuración del proxy");
-  }
-  // A screenshot in this language for the record, and the texts the layout
-  // cuts off; a screenshot that cannot be taken fails the test.
-  void Shoot(HWND window, const std::wstring& name) {
-    if (!Screenshot(window, name + Say(L"_en", L"_de", L"_es"))) ++missing_shots_;
-    for (const std::wstring& text : CutOffTexts(window)) {
-      std::lock_guard<std::mutex> lock(cut_off_mutex_);
-      cut_off_.push_back(name + L": " + text);
-    }
-  }
-  void TearDown() override {
-    EXPECT_EQ(missing_shots_.load(), 0);
-    EXPECT_EQ(cut_off_, std::vector<std::wstring>{});
-  }
-
- private:
-  std::mutex cut_off_mutex_;
-  std::vector<std::wstring> cut_off_;
-};
-
 // A first login behind a proxy: the proxy is set through Advanced (the only
 // way the product opens it) before the account has a profile, and the login
 // carries it and saves it.
@@ -314,7 +115,7 @@ TEST_P(DialogWindows, LoginDialogChecksInputThenLogsInThroughTheProxySetBeforeha
     Click(window, IDC_advanced);
     HWND proxy = WaitForWindow(ProxyTitle());
     if (!proxy) return;
-    SendMessageW(GetDlgItem(proxy, IDC_Proxyenabled), BM_SETCHECK, BST_CHECKED, 0);
+    SendMessageW(GetDlgItem(proxy, IDC_Proxyenabled), BM_CLICK, 0, 0);
     HWND port_field = GetDlgItem(proxy, IDC_ProxyPort);
     Type(proxy, IDC_ProxyPort, L"");
     for (wchar_t key : std::wstring(L"3a1-2x8")) SendMessageW(port_field, WM_CHAR, key, 0);
@@ -334,8 +135,8 @@ TEST_P(DialogWindows, LoginDialogChecksInputThenLogsInThroughTheProxySetBeforeha
   });
   EXPECT_EQ(dialog.Show(nullptr), 403);
   EXPECT_TRUE(driver.done());
-  EXPECT_EQ(label, Say(L"Username or Email Address:", L"Benutzername oder E-Mail-Adresse:",
-                      L"Usuario o correo electrónico:"));
+  EXPECT_EQ(label, Say(L"&Username or Email Address:", L"&Benutzername oder E-Mail-Adresse:",
+                      L"&Usuario o correo electrónico:"));
   EXPECT_EQ(password_box,
             Say(L"Enter your password.", L"Geben Sie Ihr Kennwort ein.", L"Escriba su contraseña."));
   EXPECT_EQ(tooltip_count, 2);
@@ -364,8 +165,8 @@ TEST_P(DialogWindows, EncKeyOptionRefusesAShortKeyThenTakesTheDefault) {
     Click(window, IDC_Enc_Option_Next);
     box = DismissBox();
     cleared = Read(window, IDC_txtEncPsd1);
+    // Posted clicks run in the order they were posted: no pause between them.
     Click(window, IDC_DefaultKey);
-    Sleep(100);
     Click(window, IDC_Enc_Option_Next);
   });
   KeyChoice choice = dialog.Show(nullptr);
@@ -390,28 +191,6 @@ TEST_P(DialogWindows, EncryptionPsdHandsBackTheTrimmedPassword) {
   EXPECT_TRUE(driver.done());
   EXPECT_TRUE(choice.accepted);
   EXPECT_EQ(choice.key, L"my key");
-}
-
-TEST_P(DialogWindows, SessionWindowShowsUserServerAndQuota) {
-  profile::SetCurrentUserName(L"alice");
-  profile::UpdateUserProfile(L"username", L"alice");
-  profile::UpdateUserProfile(L"serverip", L"127.0.0.1");
-  install_.SetScenario(
-      EngineScenario().On(114).Output(0).WithFile("Quota.txt", "1073741824\r\n2147483648\r\n"));
-  std::wstring user, server, quota;
-  Driver driver(std::wstring(kCaption) + Say(L" - Session", L" - Sitzung", L" - Sesión"), [&](HWND window) {
-    user = Read(window, IDC_txtSessionUser);
-    server = Read(window, IDC_txtSessionServer);
-    quota = Read(window, IDC_txtSessionQuota);
-    Shoot(window, L"session");
-    Click(window, IDC_Cancel);
-  });
-  std::int32_t owner = 0;
-  EXPECT_EQ(operations::UICommands().UI_Session_Command(owner), 1);
-  EXPECT_TRUE(driver.done());
-  EXPECT_EQ(user, L"alice");
-  EXPECT_EQ(server, L"127.0.0.1");
-  EXPECT_EQ(quota, L"1.00 GB / 2.00 GB");
 }
 
 // A link label's click as its dialog receives it.
