@@ -204,13 +204,13 @@ std::size_t CopyAsciiRun(const char16_t* in, std::size_t size, char* out) {
 // The decoding of AssignWide; with kStops it ends at the first `stop` byte
 // and returns its offset (or the size).
 template <bool kStops>
-std::size_t Widen(std::wstring& out, std::string_view bytes, unsigned char stop) {
+std::size_t Widen(std::wstring& out, std::size_t kept, std::string_view bytes, unsigned char stop) {
   // No byte sequence decodes to more units than it has bytes, so one resize
   // (within the capacity the caller's string already has) is enough.
-  out.resize(bytes.size());
+  out.resize(kept + bytes.size());
   const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
   wchar_t* dst = out.data();
-  std::size_t i = 0, n = 0;
+  std::size_t i = 0, n = kept;
   while (i < bytes.size()) {
     const std::size_t run = CopyAsciiRun<kStops>(in + i, bytes.size() - i, dst + n, stop);
     i += run;
@@ -238,10 +238,12 @@ std::size_t Widen(std::wstring& out, std::string_view bytes, unsigned char stop)
 
 }  // namespace
 
-void AssignWide(std::wstring& out, std::string_view bytes) { Widen<false>(out, bytes, 0); }
+void AssignWide(std::wstring& out, std::string_view bytes) { Widen<false>(out, 0, bytes, 0); }
+
+void AppendWide(std::wstring& out, std::string_view bytes) { Widen<false>(out, out.size(), bytes, 0); }
 
 std::size_t AssignWideUntil(std::wstring& out, std::string_view bytes, char stop) {
-  return Widen<true>(out, bytes, static_cast<unsigned char>(stop));
+  return Widen<true>(out, 0, bytes, static_cast<unsigned char>(stop));
 }
 
 void AppendUtf8(std::string& out, std::u16string_view units) {

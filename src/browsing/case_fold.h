@@ -38,6 +38,7 @@ char32_t DecodeUtf8(std::string_view bytes, std::size_t& i);
 void AppendWide(std::wstring& out, char32_t c);
 // Replaces out with the decoded bytes (keeps out's buffer).
 void AssignWide(std::wstring& out, std::string_view bytes);
+void AppendWide(std::wstring& out, std::string_view bytes);
 // The same up to the first ASCII byte `stop`; returns its offset, or the size.
 std::size_t AssignWideUntil(std::wstring& out, std::string_view bytes, char stop);
 // Appends UTF-16 text as generalized UTF-8 (pairs joined, lone surrogates kept).
