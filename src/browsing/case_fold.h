@@ -10,6 +10,13 @@ namespace tavrine::browsing {
 // so folded text has the byte offsets of the original.
 char32_t FoldCase(char32_t c);
 char32_t UpperCase(char32_t c);
+// FoldCase beyond ASCII.
+char32_t FoldCaseBeyondAscii(char32_t c);
+// FoldCase with its ASCII part inline, for the loops over whole lines.
+inline char32_t FoldCaseInline(char32_t c) {
+  if (c < 0x80) return (c >= U'A' && c <= U'Z') ? c + 32 : c;
+  return FoldCaseBeyondAscii(c);
+}
 
 // Code points of a wide string (UTF-16 pairs joined where wchar_t is 16 bits;
 // lone surrogates kept as they are).
@@ -43,6 +50,9 @@ void AppendWide(std::wstring& out, std::string_view bytes);
 std::size_t AssignWideUntil(std::wstring& out, std::string_view bytes, char stop);
 // Appends UTF-16 text as generalized UTF-8 (pairs joined, lone surrogates kept).
 void AppendUtf8(std::string& out, std::u16string_view units);
+// The same into out, which has room for kMaxUtf8PerUnit bytes a unit; returns the bytes written.
+constexpr std::size_t kMaxUtf8PerUnit = 3;
+std::size_t EncodeUtf8(std::u16string_view units, char* out);
 
 std::string FoldedUtf8(std::wstring_view text);
 std::wstring UpperCaseText(std::wstring_view text);

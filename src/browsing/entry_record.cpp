@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "browsing/case_fold.h"
-#include "browsing/file_time.h"
 
 namespace tavrine::browsing {
 
@@ -13,32 +12,44 @@ constexpr std::uint64_t kSecondsFrom1601To1970 = 11644473600ULL;
 constexpr std::uint64_t kTicksPerSecond = 10000000ULL;
 constexpr std::uint64_t kSizeLimit = std::uint64_t{1} << 39;
 
-// Digits as the engine writes a number: no sign, blank or leading zero.
-bool PlainNumber(std::string_view text, std::size_t max_digits, std::uint64_t& value) {
-  if (text.empty() || text.size() > max_digits || (text[0] == '0' && text.size() > 1)) return false;
-  value = 0;
-  for (char c : text) {
-    const auto digit = static_cast<std::uint32_t>(static_cast<unsigned char>(c)) - '0';
-    if (digit > 9) return false;
+unsigned Digits(std::u16string_view text, std::size_t at, std::size_t count, bool& ok) {
+  unsigned value = 0;
+  for (std::size_t i = at; i < at + count; ++i) {
+    const auto digit = static_cast<std::uint32_t>(text[i]) - u'0';
+    ok = ok && digit <= 9;
     value = value * 10 + digit;
   }
-  return true;
+  return value;
 }
 
-bool IsDigitAt(std::string_view text, std::size_t at) { return text[at] >= '0' && text[at] <= '9'; }
+// Days from 1970-01-01 (proleptic Gregorian).
+std::int64_t DaysFrom1970(std::int64_t y, unsigned m, unsigned d) {
+  y -= m <= 2;
+  const std::int64_t era = (y >= 0 ? y : y - 399) / 400;
+  const std::int64_t yoe = y - era * 400;
+  const std::int64_t doy = (153 * (m > 2 ? m - 3 : m + 9) + 2) / 5 + d - 1;
+  const std::int64_t doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
+  return era * 146097 + doe - 719468;
+}
 
 // "MM-DD-YYYY HH:MM:SS" of a real instant from 1970 to 2106: the text follows
 // from the seconds, so only they are kept.
-bool PackDate(std::string_view text, std::uint32_t& seconds) {
-  if (text.size() != 19) return false;
-  for (std::size_t at : {0, 1, 3, 4, 6, 7, 8, 9, 11, 12, 14, 15, 17, 18})
-    if (!IsDigitAt(text, at)) return false;
-  FileTime time;
-  if (ConvertListingDate(text, time) != DateFailure::kNone) return false;
-  const std::uint64_t ticks = (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
-  const std::uint64_t since_1601 = ticks / kTicksPerSecond;
-  if (since_1601 < kSecondsFrom1601To1970 || since_1601 - kSecondsFrom1601To1970 > UINT32_MAX) return false;
-  seconds = static_cast<std::uint32_t>(since_1601 - kSecondsFrom1601To1970);
+bool PackDate(std::u16string_view text, std::uint32_t& seconds) {
+  if (text.size() != 19 || text[2] != u'-' || text[5] != u'-' || text[10] != u' ' || text[13] != u':' ||
+      text[16] != u':')
+    return false;
+  bool ok = true;
+  const unsigned month = Digits(text, 0, 2, ok), day = Digits(text, 3, 2, ok), year = Digits(text, 6, 4, ok);
+  const unsigned hour = Digits(text, 11, 2, ok), minute = Digits(text, 14, 2, ok), second = Digits(text, 17, 2, ok);
+  if (!ok || year < 1970 || year > 2106 || month < 1 || month > 12 || day < 1 || hour > 23 || minute > 59 ||
+      second > 59)
+    return false;
+  static constexpr unsigned kMonthDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+  if (day > kMonthDays[month - 1] + (month == 2 && leap ? 1 : 0)) return false;
+  const std::int64_t total = DaysFrom1970(year, month, day) * 86400 + hour * 3600 + minute * 60 + second;
+  if (total > UINT32_MAX) return false;
+  seconds = static_cast<std::uint32_t>(total);
   return true;
 }
 
@@ -96,27 +107,45 @@ std::size_t ModeTable::MemoryBytes() const {
   return bytes;
 }
 
-bool PackFields(std::string_view fields, ModeTable& modes, EntryRecord& record) {
-  std::string_view parts[5];
-  std::size_t count = 0;
-  if (fields.empty() || fields[0] != '/') return false;
-  for (std::size_t begin = 1;;) {
-    if (count == 5) return false;
-    const std::size_t end = fields.find('/', begin);
-    parts[count++] = fields.substr(begin, end == fields.npos ? fields.npos : end - begin);
-    if (end == fields.npos) break;
-    begin = end + 1;
-  }
-  if (count < 4) return false;
+// In one pass: "/" version "/" size "/" date ["/0"] "/" mode.
+bool PackFields(std::u16string_view fields, ModeTable& modes, EntryRecord& record) {
+  const std::size_t n = fields.size();
+  std::size_t i = 1;
+  // Digits as the engine writes a number (no sign, blank or leading zero) up
+  // to the next "/", which must follow.
+  const auto number = [&](std::size_t max_digits, std::uint64_t& value) {
+    const std::size_t begin = i;
+    value = 0;
+    for (; i < n; ++i) {
+      const auto digit = static_cast<std::uint32_t>(fields[i]) - u'0';
+      if (digit > 9) break;
+      value = value * 10 + digit;
+    }
+    const std::size_t digits = i - begin;
+    return i < n && fields[i] == u'/' && digits >= 1 && digits <= max_digits && (fields[begin] != u'0' || digits == 1);
+  };
   std::uint64_t version = 0, size = 0;
   std::uint32_t seconds = 0;
-  if (!PlainNumber(parts[0], 5, version) || version > 0xFFFF) return false;
-  if (!PlainNumber(parts[1], 12, size) || size >= kSizeLimit) return false;
-  if (!PackDate(parts[2], seconds)) return false;
-  const bool zero_field = count == 5;
-  if (zero_field && parts[3] != "0") return false;
-  const std::uint8_t mode = modes.CodeOf(parts[count - 1]);
-  if (mode == ModeTable::kEscaped) return false;
+  if (n == 0 || fields[0] != u'/') return false;
+  if (!number(5, version) || version > 0xFFFF) return false;
+  ++i;
+  if (!number(12, size) || size >= kSizeLimit) return false;
+  ++i;
+  if (i + 20 > n || fields[i + 19] != u'/' || !PackDate(fields.substr(i, 19), seconds)) return false;
+  i += 20;
+  const bool zero_field = i + 1 < n && fields[i] == u'0' && fields[i + 1] == u'/';
+  if (zero_field) i += 2;
+  const std::u16string_view mode_text = fields.substr(i);
+  std::uint8_t mode;
+  if (mode_text.size() == 1 && mode_text[0] == u'U') {
+    mode = 0;
+  } else {
+    if (mode_text.find(u'/') != std::u16string_view::npos) return false;
+    std::string utf8;
+    AppendUtf8(utf8, mode_text);
+    mode = modes.CodeOf(utf8);
+    if (mode == ModeTable::kEscaped) return false;
+  }
   record.seconds_or_name_size = seconds;
   record.packed = mode | (std::uint64_t{zero_field} << 8) | (version << 9) | (size << 25);
   return true;

@@ -18,6 +18,7 @@ class ModeTable {
   std::uint8_t CodeOf(std::string_view mode);
   const std::string& Text(std::uint8_t code) const { return texts_[code]; }
   const std::wstring& Wide(std::uint8_t code) const { return wides_[code]; }
+  bool HoldsBackslash(std::uint8_t code) const { return texts_[code].find('\\') != std::string::npos; }
   std::size_t MemoryBytes() const;
 
  private:
@@ -44,7 +45,7 @@ static_assert(sizeof(EntryRecord) == 16);
 
 // Packs the fields after the path ("" or starting with "/"); false when the
 // line must keep them as text.
-bool PackFields(std::string_view fields, ModeTable& modes, EntryRecord& record);
+bool PackFields(std::u16string_view fields, ModeTable& modes, EntryRecord& record);
 // The text PackFields read, from "/" on.
 void AppendFields(const EntryRecord& record, const ModeTable& modes, std::string& out);
 // Numbers, dates and mode of a packed record, as the lookups give them.

@@ -262,9 +262,12 @@ namespace {
 std::size_t FindLineEnd(std::u16string_view text, std::size_t at) {
   const char16_t* units = text.data();
   std::size_t i = at;
+  constexpr std::uint64_t kLanes = 0x0001000100010001ULL, kHigh = kLanes * 0x8000;
   for (; i + 8 <= text.size(); i += 8) {
-    unsigned low = 0;
-    for (std::size_t k = 0; k < 8; ++k) low |= units[i + k] <= u'\r';
+    std::uint64_t words[2];
+    std::memcpy(words, units + i, 16);
+    // High bit of a lane set when the unit is below 14 (or, harmlessly, above 0x800D).
+    const std::uint64_t low = ((words[0] - kLanes * 14) | (words[1] - kLanes * 14)) & kHigh;
     if (low) break;
   }
   for (; i < text.size(); ++i) {
@@ -287,7 +290,10 @@ class Utf16Lines {
 
   static constexpr std::size_t kChunkUnits = std::size_t{1} << 16;  // stays in the L2 cache
   std::istream& in_;
-  std::u16string buffer_;
+  // Filled by reads only: a string would clear every chunk before the read.
+  std::unique_ptr<char16_t[]> units_;
+  std::size_t capacity_ = 0;
+  std::size_t size_ = 0;
   std::size_t at_ = 0;
   std::size_t scanned_ = 0;  // no line end before here: a very long line is scanned once
   bool started_ = false;
@@ -295,42 +301,50 @@ class Utf16Lines {
 };
 
 void Utf16Lines::Refill() {
-  buffer_.erase(0, at_);  // keep the unfinished line
+  // Keep the unfinished line.
+  const std::size_t kept = size_ - at_;
+  if (at_ > 0 && kept > 0) std::memmove(units_.get(), units_.get() + at_, kept * sizeof(char16_t));
   scanned_ = scanned_ > at_ ? scanned_ - at_ : 0;
   at_ = 0;
-  const std::size_t kept = buffer_.size();
-  buffer_.resize(kept + kChunkUnits);
-  in_.read(reinterpret_cast<char*>(buffer_.data() + kept),
-           static_cast<std::streamsize>(kChunkUnits * 2));
+  size_ = kept;
+  if (capacity_ < kept + kChunkUnits) {
+    const std::size_t capacity = std::max(2 * capacity_, kept + kChunkUnits);
+    std::unique_ptr<char16_t[]> grown(new char16_t[capacity]);
+    if (kept > 0) std::memcpy(grown.get(), units_.get(), kept * sizeof(char16_t));
+    units_ = std::move(grown);
+    capacity_ = capacity;
+  }
+  in_.read(reinterpret_cast<char*>(units_.get() + kept), static_cast<std::streamsize>(kChunkUnits * 2));
   const std::size_t got = static_cast<std::size_t>(in_.gcount()) / 2;
-  buffer_.resize(kept + got);
+  size_ = kept + got;
   at_end_ = got < kChunkUnits;  // a read stops short only at the end
   if constexpr (std::endian::native == std::endian::big) {
-    for (std::size_t i = kept; i < buffer_.size(); ++i)
-      buffer_[i] = static_cast<char16_t>((buffer_[i] >> 8) | (buffer_[i] << 8));
+    for (std::size_t i = kept; i < size_; ++i)
+      units_[i] = static_cast<char16_t>((units_[i] >> 8) | (units_[i] << 8));
   }
   if (!started_) {
     started_ = true;
-    if (!buffer_.empty() && buffer_[0] == 0xFEFF) at_ = 1;
+    if (size_ > 0 && units_[0] == 0xFEFF) at_ = 1;
   }
 }
 
 bool Utf16Lines::Next(std::u16string_view& line) {
   if (!started_) Refill();
   while (true) {
-    const std::size_t end = FindLineEnd(buffer_, std::max(at_, scanned_));
+    const std::u16string_view buffer(units_.get(), size_);
+    const std::size_t end = FindLineEnd(buffer, std::max(at_, scanned_));
     // A CR last in the buffer may be the first half of a CRLF.
-    const bool open = end == buffer_.size() || (buffer_[end] == u'\r' && end + 1 == buffer_.size());
+    const bool open = end == buffer.size() || (buffer[end] == u'\r' && end + 1 == buffer.size());
     if (open && !at_end_) {
       scanned_ = end;
       Refill();
       continue;
     }
-    if (at_ >= buffer_.size()) return false;
-    line = std::u16string_view(buffer_).substr(at_, end - at_);
+    if (at_ >= buffer.size()) return false;
+    line = buffer.substr(at_, end - at_);
     std::size_t next = end + 1;
-    if (next < buffer_.size() && buffer_[end] == u'\r' && buffer_[next] == u'\n') ++next;
-    at_ = std::min(next, buffer_.size());
+    if (next < buffer.size() && buffer[end] == u'\r' && buffer[next] == u'\n') ++next;
+    at_ = std::min(next, buffer.size());
     return true;
   }
 }
@@ -354,15 +368,44 @@ void FoldBytes(std::string_view bytes, std::string& out) {
 
 // ---- loading -----------------------------------------------------------------
 
+namespace {
+
+// The first `unit` at or after `from`, or the size; four units a step.
+std::size_t FindUnit(std::u16string_view text, std::size_t from, char16_t unit) {
+  constexpr std::uint64_t kLanes = 0x0001000100010001ULL, kHigh = kLanes * 0x8000;
+  std::size_t i = from;
+  if constexpr (std::endian::native == std::endian::little) {
+    for (; i + 4 <= text.size(); i += 4) {
+      std::uint64_t word;
+      std::memcpy(&word, text.data() + i, 8);
+      const std::uint64_t x = word ^ (kLanes * unit);
+      if ((x - kLanes) & ~x & kHigh) break;  // some lane is zero
+    }
+  }
+  while (i < text.size() && text[i] != unit) ++i;
+  return i;
+}
+
+}  // namespace
+
+
 RemoteListing::RemoteListing() { root_.InitNode(L"\\"); }
 
 void RemoteListing::BeginFile(const std::wstring& machine) {
   machine_ = machine;
-  machine_utf8_.clear();
+  machine16_.clear();
   if (!machine.empty()) {
     machine_mode_ = true;
-    ForEachCodePoint(machine, [&](char32_t c) { AppendUtf8(machine_utf8_, c); });
-    machine_utf8_.push_back('\\');
+    for (wchar_t c : machine) {
+      if (sizeof(wchar_t) > 2 && static_cast<std::uint32_t>(c) >= 0x10000) {
+        const std::uint32_t v = static_cast<std::uint32_t>(c) - 0x10000;
+        machine16_.push_back(static_cast<char16_t>(0xD800 + (v >> 10)));
+        machine16_.push_back(static_cast<char16_t>(0xDC00 + (v & 0x3FF)));
+      } else {
+        machine16_.push_back(static_cast<char16_t>(c));
+      }
+    }
+    machine16_.push_back(u'\\');
   }
   first_line_of_file_ = true;
   marked_form_ = false;
@@ -395,12 +438,16 @@ bool RemoteListing::AddLine(std::u16string_view line) {
   if (StartsNewNode(line)) {
     current_node_ = root_.AppendChild(machine_.empty() ? previous_name_ : machine_);
     current_node_->first_entry_ = count() + 1;
-    runs_.push_back(Run{current_node_, {}, false, {}});
+    runs_.push_back(Run{current_node_, {}, {}, false, {}});
     run_by_name_.emplace(FoldedUtf8(current_node_->name_), runs_.size() - 1);
+    previous_spelling_ = kNone;  // the folder part's check depends on the run's key
   }
-  line_utf8_.assign(machine_utf8_);
-  AppendUtf8(line_utf8_, line);
-  StoreEntry(line_utf8_);
+  if (!machine16_.empty()) {
+    line16_.assign(machine16_);
+    line16_.append(line);
+    line = line16_;
+  }
+  StoreEntry(line);
   if (overflowed_) return false;
   current_node_->last_entry_ = count();
   return true;
@@ -413,10 +460,12 @@ bool RemoteListing::StartsNewNode(std::u16string_view line) {
     if (new_node) previous_name_ = machine_;
     return new_node;
   }
-  std::size_t slash = line.find(u'\\');
-  if (slash == line.npos) return new_node;
+  const std::size_t slash = FindUnit(line, 0, u'\\');
+  if (slash == line.size()) return new_node;
   std::u16string_view head = line.substr(0, slash + 1);
-  if (head == previous_head_) return new_node;
+  if (head.size() == previous_head_.size() &&
+      std::memcmp(head.data(), previous_head_.data(), head.size() * sizeof(char16_t)) == 0)
+    return new_node;
   previous_head_.assign(head);
   std::wstring wide;
   for (char16_t c : head) wide.push_back(static_cast<wchar_t>(c));
@@ -428,16 +477,43 @@ bool RemoteListing::StartsNewNode(std::u16string_view line) {
   return new_node;
 }
 
+// The UTF-8 form of a piece of a line, valid until the next call. The
+// buffer only grows, so no piece pays for clearing it.
+std::string_view RemoteListing::Utf8Of(std::u16string_view text) {
+  const std::size_t room = text.size() * kMaxUtf8PerUnit;
+  if (utf8_.size() < room) utf8_.resize(std::max(room, 2 * utf8_.size()));
+  return std::string_view(utf8_.data(), EncodeUtf8(text, utf8_.data()));
+}
+
+namespace {
+
+// Unit by unit: folding leaves surrogates alone, and a backslash is never
+// half of a pair, so this agrees with the folded UTF-8 comparison wherever
+// a match ends at a backslash, and finds no fewer places elsewhere.
+bool FoldedStartsWith16(std::u16string_view line, std::size_t at, std::u16string_view folded) {
+  if (at + folded.size() > line.size()) return false;
+  for (std::size_t k = 0; k < folded.size(); ++k)
+    if (FoldCaseInline(line[at + k]) != folded[k]) return false;
+  return true;
+}
+
+}  // namespace
+
 // A line becomes its folder's spelling, its name and its fields; the index
 // notes what it needs while the line is still in the cache.
-void RemoteListing::StoreEntry(std::string_view line) {
-  std::size_t path_end = FindSlash(line, 0);
-  if (path_end == std::string_view::npos) path_end = line.size();
-  const std::size_t folder_end = path_end == 0 ? std::string_view::npos : line.rfind('\\', path_end - 1);
-  const std::string_view prefix = folder_end == std::string_view::npos ? std::string_view() : line.substr(0, folder_end + 1);
-  const std::string_view name = line.substr(prefix.size(), path_end - prefix.size());
-  const std::string_view fields = line.substr(path_end);
-  if (names_.size() + line.size() > kTextLimit || spelling_text_.size() + prefix.size() > kTextLimit ||
+void RemoteListing::StoreEntry(std::u16string_view line) {
+  // Most lines are in the last line's folder: then only the name is searched.
+  const std::size_t known = previous_spelling_ == kNone ? 0 : previous_prefix_.size();
+  const bool same_start = known > 0 && line.size() > known &&
+                          std::memcmp(line.data(), previous_prefix_.data(), known * sizeof(char16_t)) == 0;
+  const std::size_t path_end = FindUnit(line, same_start ? known : 0, u'/');
+  std::size_t folder_end = path_end;
+  while (folder_end > 0 && line[folder_end - 1] != u'\\') --folder_end;
+  const std::u16string_view prefix = line.substr(0, folder_end);  // ends with a backslash, or empty
+  const std::u16string_view name = line.substr(folder_end, path_end - folder_end);
+  const std::u16string_view fields = line.substr(path_end);
+  if (names_.size() + line.size() * kMaxUtf8PerUnit > kTextLimit ||
+      spelling_text_.size() + prefix.size() * kMaxUtf8PerUnit > kTextLimit ||
       records_.size() >= static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
     overflowed_ = true;
     foundation::Trace(L"InitTree : listing too large, the rest is ignored");
@@ -446,26 +522,50 @@ void RemoteListing::StoreEntry(std::string_view line) {
   const auto position = static_cast<std::uint32_t>(records_.size() + 1);
   Run& run = runs_.back();
   if (position == static_cast<std::uint32_t>(run.node->first_entry_)) {
-    const std::size_t head_end = line.find('\\');
-    if (head_end != std::string_view::npos) {
-      FoldBytes(line.substr(0, head_end + 1), run.key);
+    const std::size_t head_end = FindUnit(line, 0, u'\\');
+    if (head_end < line.size()) {
+      for (std::size_t k = 0; k <= head_end; ++k) run.key16.push_back(static_cast<char16_t>(FoldCase(line[k])));
+      run.key.assign(Utf8Of(run.key16));
       run.has_key = true;
+      run.key_has_slash = run.key16.find(u'/') != std::u16string::npos;
     }
   }
-  if (NeedsCheck(run, line)) run.check.push_back(position);
 
-  const std::uint32_t spelling = prefix.empty() ? kNone : SpellingOf(prefix);
+  std::uint32_t spelling = kNone;
+  if (!prefix.empty()) {
+    if (same_start && prefix.size() == known) {
+      spelling = previous_spelling_;
+    } else {
+      spelling = SpellingOf(prefix);
+      prefix_needs_check_ = NeedsCheck(run, prefix);
+    }
+  }
   if (spelling_runs_.empty() || spelling_runs_.back().spelling != spelling)
     spelling_runs_.push_back(SpellingRun{position, spelling});
   EntryRecord record;
   record.text = static_cast<std::uint32_t>(names_.size());
-  names_.append(name);
+  names_.append(Utf8Of(name));
   if (!PackFields(fields, modes_, record)) {
-    record.seconds_or_name_size = static_cast<std::uint32_t>(name.size());
+    record.seconds_or_name_size = static_cast<std::uint32_t>(names_.size() - record.text);
     record.packed = ModeTable::kEscaped;
-    names_.append(fields);
+    names_.append(Utf8Of(fields));
   }
   records_.push_back(record);
+
+  // A key without "/" that starts a line ends in its folder part, and one
+  // found again ends at a backslash of the folder part (the name has none) or
+  // lies wholly in the fields: the folder part's answer holds for all its lines.
+  bool needs_check;
+  if (!run.has_key || run.key_has_slash) {
+    needs_check = NeedsCheck(run, line);
+  } else if (prefix.empty()) {
+    needs_check = true;
+  } else {
+    const bool fields_backslash = record.escaped() ? FindUnit(fields, 0, u'\\') < fields.size()
+                                                   : modes_.HoldsBackslash(record.mode());
+    needs_check = prefix_needs_check_ || (fields_backslash && NeedsCheck(run, line));
+  }
+  if (needs_check) run.check.push_back(position);
 }
 
 // Sized from the first lines, the records and names are allocated once:
@@ -603,18 +703,21 @@ void InsertSlot(Slots& slots, std::uint32_t id, std::uint32_t hash, HashOf&& has
 
 // Lines of one folder come together, and the next folder shares most of the
 // path: only the names after the common part are looked up.
-std::uint32_t RemoteListing::SpellingOf(std::string_view prefix) {
-  if (previous_spelling_ != kNone && prefix == previous_prefix_) return previous_spelling_;
+std::uint32_t RemoteListing::SpellingOf(std::u16string_view prefix) {
+  if (previous_spelling_ != kNone && prefix.size() == previous_prefix_.size() &&
+      std::memcmp(prefix.data(), previous_prefix_.data(), prefix.size() * sizeof(char16_t)) == 0)
+    return previous_spelling_;
   std::size_t common = 0;
   const std::size_t limit = std::min(prefix.size(), previous_prefix_.size());
   while (common < limit && prefix[common] == previous_prefix_[common]) ++common;
   // prefix_chain_ holds pairs: end of a folder in previous_prefix_, its spelling.
-  while (!prefix_chain_.empty() && prefix_chain_[prefix_chain_.size() - 2] > common) prefix_chain_.resize(prefix_chain_.size() - 2);
+  while (!prefix_chain_.empty() && prefix_chain_[prefix_chain_.size() - 2] > common)
+    prefix_chain_.resize(prefix_chain_.size() - 2);
   std::size_t at = prefix_chain_.empty() ? 0 : prefix_chain_[prefix_chain_.size() - 2];
   std::uint32_t spelling = prefix_chain_.empty() ? kNone : prefix_chain_.back();
   while (at < prefix.size()) {
-    const std::size_t end = prefix.find('\\', at);
-    spelling = InternSpelling(spelling, prefix.substr(at, end - at));
+    const std::size_t end = FindUnit(prefix, at, u'\\');
+    spelling = InternSpelling(spelling, Utf8Of(prefix.substr(at, end - at)));
     prefix_chain_.push_back(static_cast<std::uint32_t>(end + 1));
     prefix_chain_.push_back(spelling);
     at = end + 1;
@@ -690,13 +793,15 @@ std::uint32_t RemoteListing::FindFolder(std::string_view folded) const {
 
 // ---- the index ---------------------------------------------------------------
 
-bool RemoteListing::NeedsCheck(const Run& run, std::string_view line) {
-  if (!run.has_key || !FoldedStartsWith(line, 0, run.key)) return true;
-  // The key seen again later in the line: a match could start there.
-  const std::size_t key_size = run.key.size();
-  for (std::size_t j = line.find('\\', key_size); j != std::string_view::npos;
-       j = line.find('\\', j + 1)) {
-    if (FoldedStartsWith(line, j + 1 - key_size, run.key)) return true;
+bool RemoteListing::NeedsCheck(const Run& run, std::u16string_view line) {
+  if (!run.has_key || !FoldedStartsWith16(line, 0, run.key16)) return true;
+  // The key seen again later in the line: a match could start there. The
+  // unit before each backslash rules out most places at once.
+  const std::u16string_view key = run.key16;
+  const char16_t key_before = key.size() >= 2 ? key[key.size() - 2] : 0;
+  for (std::size_t j = FindUnit(line, key.size(), u'\\'); j < line.size(); j = FindUnit(line, j + 1, u'\\')) {
+    if (key.size() >= 2 && FoldCaseInline(line[j - 1]) != key_before) continue;
+    if (FoldedStartsWith16(line, j + 1 - key.size(), key)) return true;
   }
   return false;
 }
@@ -749,7 +854,7 @@ void RemoteListing::Finish() {
   // Only loading needs these.
   std::vector<std::uint32_t>().swap(spelling_slots_.ids);
   spelling_slots_.used = 0;
-  std::string().swap(previous_prefix_);
+  std::u16string().swap(previous_prefix_);
   std::vector<std::uint32_t>().swap(prefix_chain_);
   finished_ = true;
 }

@@ -123,8 +123,10 @@ class RemoteListing {
   struct Run {
     clsTavrinETree* node = nullptr;
     std::string key;  // folded first-level text up to and including the first backslash
+    std::u16string key16;  // the same in UTF-16, as lines are read
     bool has_key = false;
     std::vector<std::uint32_t> check;  // lines that a prefix index cannot vouch for
+    bool key_has_slash = false;
   };
   static constexpr std::uint32_t kNone = UINT32_MAX;
   // A folder path as written: its last name and the folder above. Lines that
@@ -166,11 +168,12 @@ class RemoteListing {
   };
 
   bool StartsNewNode(std::u16string_view line);
-  void StoreEntry(std::string_view line);
+  void StoreEntry(std::u16string_view line);
   static constexpr std::size_t kSampleLines = 4096;
   void ReserveForFile(std::size_t file_units, std::size_t units_per_line, std::size_t names_per_line);
-  static bool NeedsCheck(const Run& run, std::string_view line);
-  std::uint32_t SpellingOf(std::string_view prefix);
+  static bool NeedsCheck(const Run& run, std::u16string_view line);
+  std::uint32_t SpellingOf(std::u16string_view prefix);
+  std::string_view Utf8Of(std::u16string_view text);
   std::uint32_t InternSpelling(std::uint32_t parent, std::string_view name);
   std::uint32_t InternFolder(std::uint32_t parent, std::string_view folded, std::uint32_t spelling);
   std::string_view SpellingName(std::uint32_t spelling) const;
@@ -203,7 +206,7 @@ class RemoteListing {
   std::vector<SpellingRun> spelling_runs_;  // in file order
   // Loading state.
   std::wstring machine_;
-  std::string machine_utf8_;  // the machine name and a backslash, put before each line
+  std::u16string machine16_;  // the machine name and a backslash, put before each line
   bool machine_mode_ = false;
   bool first_line_of_file_ = true;
   bool marked_form_ = false;
@@ -214,9 +217,11 @@ class RemoteListing {
   clsTavrinETree* current_node_ = nullptr;
   std::vector<Run> runs_;
   std::u16string rewritten_;
-  std::string line_utf8_;
-  std::string previous_prefix_;  // the folder part of the last line, and its spelling
+  std::u16string line16_;  // a line with its machine name
+  std::string utf8_;       // scratch, only grows
+  std::u16string previous_prefix_;  // the folder part of the last line, and its spelling
   std::uint32_t previous_spelling_ = kNone;
+  bool prefix_needs_check_ = true;  // the check the folder part alone calls for
   std::vector<std::uint32_t> prefix_chain_;  // spelling of each folder along previous_prefix_
   std::string folded_scratch_;
   // Index.
