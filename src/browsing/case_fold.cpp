@@ -287,10 +287,15 @@ void AppendUtf8(std::string& out, std::u16string_view units) {
   out.resize(old + EncodeUtf8(units, out.data() + old));
 }
 
+void AssignFoldedUtf8(std::string& out, std::wstring_view text) {
+  out.clear();
+  ForEachCodePoint(text, [&](char32_t c) { AppendUtf8(out, FoldCase(c)); });
+}
+
 std::string FoldedUtf8(std::wstring_view text) {
   std::string out;
   out.reserve(text.size());
-  ForEachCodePoint(text, [&](char32_t c) { AppendUtf8(out, FoldCase(c)); });
+  AssignFoldedUtf8(out, text);
   return out;
 }
 

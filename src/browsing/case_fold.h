@@ -55,6 +55,7 @@ constexpr std::size_t kMaxUtf8PerUnit = 3;
 std::size_t EncodeUtf8(std::u16string_view units, char* out);
 
 std::string FoldedUtf8(std::wstring_view text);
+void AssignFoldedUtf8(std::string& out, std::wstring_view text);  // keeps out's buffer
 std::wstring UpperCaseText(std::wstring_view text);
 
 // Whether the folded form of bytes[at...] begins with folded_prefix.

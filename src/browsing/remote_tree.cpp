@@ -872,12 +872,17 @@ std::size_t RemoteListing::MemoryBytes() const {
 
 // ---- lookups -----------------------------------------------------------------
 
-const clsTavrinETree* RemoteListing::NodeFor(std::wstring_view folder) const {
+std::size_t RemoteListing::RunFor(std::wstring_view folder) const {
   std::size_t slash = folder.find(L'\\');
   std::wstring_view head = folder;
   if (slash != folder.npos) head = folder.substr(0, machine_mode() ? slash : slash + 1);
   auto found = run_by_name_.find(FoldedUtf8(head));
-  return found == run_by_name_.end() ? nullptr : runs_[found->second].node;
+  return found == run_by_name_.end() ? kNoRun : found->second;
+}
+
+const clsTavrinETree* RemoteListing::NodeFor(std::wstring_view folder) const {
+  const std::size_t run = RunFor(folder);
+  return run == kNoRun ? nullptr : runs_[run].node;
 }
 
 bool RemoteListing::LineContains(std::uint32_t position, EnumCursor& cursor) const {
@@ -948,6 +953,8 @@ void Restart(EnumCursor& cursor) {
   fresh.spelling_path.swap(cursor.spelling_path);
   fresh.name_head.swap(cursor.name_head);
   fresh.line.swap(cursor.line);
+  fresh.folder.swap(cursor.folder);
+  fresh.query.swap(cursor.query);
   fresh.sure_list.clear();
   fresh.spelling_path.clear();
   cursor = std::move(fresh);
@@ -957,12 +964,13 @@ void Restart(EnumCursor& cursor) {
 
 bool RemoteListing::Plan(std::wstring_view folder, EnumCursor& cursor) const {
   Restart(cursor);
-  const clsTavrinETree* node = finished_ ? NodeFor(folder) : nullptr;
-  if (!node) return false;
-  const Run& run = runs_[run_by_name_.at(FoldedUtf8(node->name_))];
+  const std::size_t run_index = finished_ ? RunFor(folder) : kNoRun;
+  if (run_index == kNoRun) return false;
+  const Run& run = runs_[run_index];
+  const clsTavrinETree* node = run.node;
   cursor.node = node;
   cursor.folder.assign(folder);
-  cursor.query = FoldedUtf8(folder);
+  AssignFoldedUtf8(cursor.query, folder);
   const std::string& q = cursor.query;
   if (run.has_key && q.find('/') == std::string::npos && q.compare(0, run.key.size(), run.key) == 0) {
     PlanIndexed(run, cursor);

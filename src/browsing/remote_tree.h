@@ -167,6 +167,8 @@ class RemoteListing {
     std::size_t used = 0;
   };
 
+  static constexpr std::size_t kNoRun = SIZE_MAX;
+  std::size_t RunFor(std::wstring_view folder) const;
   bool StartsNewNode(std::u16string_view line);
   void StoreEntry(std::u16string_view line);
   static constexpr std::size_t kSampleLines = 4096;

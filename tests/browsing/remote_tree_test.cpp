@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cctype>
+#include <cwchar>
 #include <random>
 #include <string>
 #include <utility>
@@ -338,6 +339,34 @@ TEST(ListingLoad, EveryLineComesBackAsLoaded) {
   ASSERT_EQ(found.size(), 300u);
   EXPECT_EQ(found[299].mode, L"M299");
   EXPECT_EQ(found[299].name, L"299");
+
+  // Dates across the packed range, each as the plain scan reads it; names in
+  // every ASCII letter, asked for in both cases.
+  std::mt19937 dates(99);
+  std::wstring more;
+  for (int k = 0; k < 400; ++k) {
+    const unsigned year = 1965 + dates() % 150, month = 1 + dates() % 12, day = 1 + dates() % 28;
+    const unsigned seconds = dates() % 86400;
+    wchar_t date[32];
+    std::swprintf(date, 32, L"%02u-%02u-%04u %02u:%02u:%02u", month, k % 50 == 0 && month == 2 ? 29 : day, year,
+                  seconds / 3600, seconds / 60 % 60, seconds % 60);
+    const wchar_t letter = static_cast<wchar_t>(L'A' + k % 26);
+    more += L"C:\\" + std::wstring(1, letter) + L"one\\f" + std::to_wstring(k) + L"/1/" + std::to_wstring(k) +
+            L"/" + date + L"/U\r\n";
+  }
+  auto dated = Load(more);
+  LinearScanListing plain_dated;
+  plain_dated.LoadFile(platform::FromFsPath(dated->temp.path() / "Backupfile.txt"), L"");
+  for (std::int32_t i = 1; i <= dated->listing.count(); ++i)
+    ASSERT_EQ(dated->listing.Entry(i), plain_dated.entry(static_cast<std::size_t>(i))) << i;
+  for (wchar_t letter = L'A'; letter <= L'Z'; ++letter) {
+    for (const std::wstring& folder : {L"c:\\" + std::wstring(1, letter) + L"ONE\\",
+                                       L"C:\\" + std::wstring(1, static_cast<wchar_t>(letter + 32)) + L"one\\"}) {
+      const std::vector<Found> indexed = Walk(dated->listing, folder);
+      EXPECT_FALSE(indexed.empty()) << static_cast<char>(letter);
+      EXPECT_EQ(indexed, Walk(plain_dated, folder)) << static_cast<char>(letter);
+    }
+  }
 
   // And the odd listings of the comparison below, beside the plain load.
   std::mt19937 rng(777);
