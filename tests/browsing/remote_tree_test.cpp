@@ -139,6 +139,11 @@ struct Found {
   bool operator==(const Found&) const = default;
 };
 
+void PrintTo(const Found& f, std::ostream* out) {
+  *out << "{" << f.position << " name size " << f.name.size() << " size " << f.size << " version " << f.version
+       << " time " << f.high << ":" << f.low << " mode size " << f.mode.size() << "}";
+}
+
 Found Of(std::int32_t p, const FindData& data) {
   return {p, data.cFilename, data.nFileSize, data.nVersion, data.ftLastWriteTime.dwLowDateTime,
           data.ftLastWriteTime.dwHighDateTime, data.strUnimode};
