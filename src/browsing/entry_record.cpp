@@ -16,7 +16,7 @@ unsigned Digits(std::u16string_view text, std::size_t at, std::size_t count, boo
   unsigned value = 0;
   for (std::size_t i = at; i < at + count; ++i) {
     const auto digit = static_cast<std::uint32_t>(text[i]) - u'0';
-    ok = ok && digit <= 9;
+    ok &= digit <= 9;
     value = value * 10 + digit;
   }
   return value;
@@ -95,6 +95,7 @@ std::uint8_t ModeTable::CodeOf(std::string_view mode) {
     if (texts_[code] == mode) return static_cast<std::uint8_t>(code);
   if (texts_.size() >= kEscaped) return kEscaped;
   texts_.emplace_back(mode);
+  backslash_[texts_.size() - 1] = mode.find('\\') != std::string_view::npos;
   wides_.emplace_back();
   AssignWide(wides_.back(), mode);
   return static_cast<std::uint8_t>(texts_.size() - 1);

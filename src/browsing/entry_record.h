@@ -1,4 +1,5 @@
 #pragma once
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -18,12 +19,13 @@ class ModeTable {
   std::uint8_t CodeOf(std::string_view mode);
   const std::string& Text(std::uint8_t code) const { return texts_[code]; }
   const std::wstring& Wide(std::uint8_t code) const { return wides_[code]; }
-  bool HoldsBackslash(std::uint8_t code) const { return texts_[code].find('\\') != std::string::npos; }
+  bool HoldsBackslash(std::uint8_t code) const { return backslash_[code]; }
   std::size_t MemoryBytes() const;
 
  private:
   std::vector<std::string> texts_;
   std::vector<std::wstring> wides_;
+  std::array<bool, 256> backslash_{};
 };
 
 // One listing line less its folder, in 16 bytes. The fields of the usual

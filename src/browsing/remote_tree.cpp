@@ -435,19 +435,25 @@ bool RemoteListing::AddLine(std::u16string_view line) {
     rewritten_.append(line.substr(line.size() - 2));
     line = rewritten_;
   }
-  if (StartsNewNode(line)) {
+  std::u16string_view stored = line;
+  if (!machine16_.empty()) {
+    line16_.assign(machine16_);
+    line16_.append(line);
+    stored = line16_;
+  }
+  // A line in the last line's folder has that line's first-level name too.
+  const std::size_t known = previous_spelling_ == kNone ? 0 : previous_prefix_.size();
+  bool same_start = known > 0 && stored.size() > known &&
+                    std::memcmp(stored.data(), previous_prefix_.data(), known * sizeof(char16_t)) == 0;
+  if ((!same_start || !machine16_.empty()) && StartsNewNode(line)) {
     current_node_ = root_.AppendChild(machine_.empty() ? previous_name_ : machine_);
     current_node_->first_entry_ = count() + 1;
     runs_.push_back(Run{current_node_, {}, {}, false, {}});
     run_by_name_.emplace(FoldedUtf8(current_node_->name_), runs_.size() - 1);
     previous_spelling_ = kNone;  // the folder part's check depends on the run's key
+    same_start = false;
   }
-  if (!machine16_.empty()) {
-    line16_.assign(machine16_);
-    line16_.append(line);
-    line = line16_;
-  }
-  StoreEntry(line);
+  StoreEntry(stored, same_start ? known : 0);
   if (overflowed_) return false;
   current_node_->last_entry_ = count();
   return true;
@@ -487,6 +493,22 @@ std::string_view RemoteListing::Utf8Of(std::u16string_view text) {
 
 namespace {
 
+// The first of two units at or after `from`, or the size.
+std::size_t FindEither(std::u16string_view text, std::size_t from, char16_t one, char16_t other) {
+  constexpr std::uint64_t kLanes = 0x0001000100010001ULL, kHigh = kLanes * 0x8000;
+  std::size_t i = from;
+  if constexpr (std::endian::native == std::endian::little) {
+    for (; i + 4 <= text.size(); i += 4) {
+      std::uint64_t word;
+      std::memcpy(&word, text.data() + i, 8);
+      const std::uint64_t x = word ^ (kLanes * one), y = word ^ (kLanes * other);
+      if (((x - kLanes) & ~x & kHigh) | ((y - kLanes) & ~y & kHigh)) break;
+    }
+  }
+  while (i < text.size() && text[i] != one && text[i] != other) ++i;
+  return i;
+}
+
 // Unit by unit: folding leaves surrogates alone, and a backslash is never
 // half of a pair, so this agrees with the folded UTF-8 comparison wherever
 // a match ends at a backslash, and finds no fewer places elsewhere.
@@ -501,14 +523,20 @@ bool FoldedStartsWith16(std::u16string_view line, std::size_t at, std::u16string
 
 // A line becomes its folder's spelling, its name and its fields; the index
 // notes what it needs while the line is still in the cache.
-void RemoteListing::StoreEntry(std::u16string_view line) {
+// known: the line starts with the last line's folder part, this long (or 0).
+void RemoteListing::StoreEntry(std::u16string_view line, std::size_t known) {
+  const bool same_start = known > 0;
   // Most lines are in the last line's folder: then only the name is searched.
-  const std::size_t known = previous_spelling_ == kNone ? 0 : previous_prefix_.size();
-  const bool same_start = known > 0 && line.size() > known &&
-                          std::memcmp(line.data(), previous_prefix_.data(), known * sizeof(char16_t)) == 0;
-  const std::size_t path_end = FindUnit(line, same_start ? known : 0, u'/');
-  std::size_t folder_end = path_end;
-  while (folder_end > 0 && line[folder_end - 1] != u'\\') --folder_end;
+  std::size_t path_end, folder_end;
+  const std::size_t stop = same_start ? FindEither(line, known, u'/', u'\\') : 0;
+  if (same_start && (stop == line.size() || line[stop] == u'/')) {
+    path_end = stop;
+    folder_end = known;
+  } else {
+    path_end = FindUnit(line, stop, u'/');
+    folder_end = path_end;
+    while (folder_end > 0 && line[folder_end - 1] != u'\\') --folder_end;
+  }
   const std::u16string_view prefix = line.substr(0, folder_end);  // ends with a backslash, or empty
   const std::u16string_view name = line.substr(folder_end, path_end - folder_end);
   const std::u16string_view fields = line.substr(path_end);

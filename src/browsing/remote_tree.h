@@ -170,7 +170,7 @@ class RemoteListing {
   static constexpr std::size_t kNoRun = SIZE_MAX;
   std::size_t RunFor(std::wstring_view folder) const;
   bool StartsNewNode(std::u16string_view line);
-  void StoreEntry(std::u16string_view line);
+  void StoreEntry(std::u16string_view line, std::size_t known);
   static constexpr std::size_t kSampleLines = 4096;
   void ReserveForFile(std::size_t file_units, std::size_t units_per_line, std::size_t names_per_line);
   static bool NeedsCheck(const Run& run, std::u16string_view line);
