@@ -555,7 +555,6 @@ void RemoteListing::StoreEntry(std::u16string_view line, std::size_t known) {
       for (std::size_t k = 0; k <= head_end; ++k) run.key16.push_back(static_cast<char16_t>(FoldCase(line[k])));
       run.key.assign(Utf8Of(run.key16));
       run.has_key = true;
-      run.key_has_slash = run.key16.find(u'/') != std::u16string::npos;
     }
   }
 
@@ -580,13 +579,12 @@ void RemoteListing::StoreEntry(std::u16string_view line, std::size_t known) {
   }
   records_.push_back(record);
 
-  // A key without "/" that starts a line ends in its folder part, and one
-  // found again ends at a backslash of the folder part (the name has none) or
-  // lies wholly in the fields: the folder part's answer holds for all its lines.
+  // A key that starts a line ends at a backslash of its folder part (a key
+  // with a "/" never starts one), and one found again ends at a backslash of
+  // the folder part (the name has none) or lies wholly in the fields: the
+  // folder part's answer holds for all its lines.
   bool needs_check;
-  if (!run.has_key || run.key_has_slash) {
-    needs_check = NeedsCheck(run, line);
-  } else if (prefix.empty()) {
+  if (!run.has_key || prefix.empty()) {
     needs_check = true;
   } else {
     const bool fields_backslash = record.escaped() ? FindUnit(fields, 0, u'\\') < fields.size()

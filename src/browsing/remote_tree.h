@@ -126,7 +126,6 @@ class RemoteListing {
     std::u16string key16;  // the same in UTF-16, as lines are read
     bool has_key = false;
     std::vector<std::uint32_t> check;  // lines that a prefix index cannot vouch for
-    bool key_has_slash = false;
   };
   static constexpr std::uint32_t kNone = UINT32_MAX;
   // A folder path as written: its last name and the folder above. Lines that
