@@ -396,15 +396,14 @@ void RemoteListing::BeginFile(const std::wstring& machine) {
   machine16_.clear();
   if (!machine.empty()) {
     machine_mode_ = true;
-    for (wchar_t c : machine) {
-      if (sizeof(wchar_t) > 2 && static_cast<std::uint32_t>(c) >= 0x10000) {
-        const std::uint32_t v = static_cast<std::uint32_t>(c) - 0x10000;
-        machine16_.push_back(static_cast<char16_t>(0xD800 + (v >> 10)));
-        machine16_.push_back(static_cast<char16_t>(0xDC00 + (v & 0x3FF)));
+    ForEachCodePoint(machine, [&](char32_t c) {
+      if (c >= 0x10000) {
+        machine16_.push_back(static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10)));
+        machine16_.push_back(static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF)));
       } else {
         machine16_.push_back(static_cast<char16_t>(c));
       }
-    }
+    });
     machine16_.push_back(u'\\');
   }
   first_line_of_file_ = true;
