@@ -768,7 +768,7 @@ std::uint32_t RemoteListing::InternSpelling(std::uint32_t parent, std::string_vi
   InsertSlot(spelling_slots_, id, hash,
              [&](std::uint32_t s) { return HashName(spellings_[s].parent, SpellingName(s)); });
   FoldBytes(name, folded_scratch_);
-  spellings_[id].folder = InternFolder(parent == kNone ? kNone : spellings_[parent].folder, folded_scratch_, id);
+  spellings_[id].folder = InternFolder(parent == kNone ? kNone : spellings_[parent].folder, folded_scratch_);
   return id;
 }
 
@@ -778,20 +778,21 @@ std::uint32_t RemoteListing::FindChildFolder(std::uint32_t parent, std::string_v
   const std::size_t mask = folder_slots_.ids.size() - 1;
   for (std::size_t slot = hash & mask; folder_slots_.ids[slot] != kNone; slot = (slot + 1) & mask) {
     const Folder& folder = folders_[folder_slots_.ids[slot]];
-    // Folding keeps the byte length, so equal sizes and a folded prefix match mean equal names.
-    if (folder.hash == hash && folder.parent == parent && FolderName(folder).size() == folded.size() &&
-        FoldedStartsWith(FolderName(folder), 0, folded))
+    // Names are kept folded, so equal bytes mean the same folder.
+    if (folder.hash == hash && folder.parent == parent && FolderName(folder) == folded)
       return folder_slots_.ids[slot];
   }
   return kNone;
 }
 
-std::uint32_t RemoteListing::InternFolder(std::uint32_t parent, std::string_view folded, std::uint32_t spelling) {
+std::uint32_t RemoteListing::InternFolder(std::uint32_t parent, std::string_view folded) {
   const std::uint32_t hash = HashName(parent, folded);
   if (std::uint32_t found = FindChildFolder(parent, folded, hash); found != kNone) return found;
   const auto id = static_cast<std::uint32_t>(folders_.size());
   Folder folder;
-  folder.spelling = spelling;
+  folder.folded = static_cast<std::uint32_t>(folded_text_.size());
+  folder.size = static_cast<std::uint32_t>(folded.size());
+  folded_text_.append(folded);
   folder.hash = hash;
   folder.parent = parent;
   if (parent != kNone) {
@@ -889,7 +890,7 @@ std::size_t RemoteListing::MemoryBytes() const {
   std::size_t bytes = records_.size() * sizeof(EntryRecord) + names_.size() + modes_.MemoryBytes();
   bytes += spellings_.capacity() * sizeof(Spelling) + spelling_text_.capacity() +
            spelling_slots_.ids.capacity() * 4 + spelling_runs_.capacity() * sizeof(SpellingRun);
-  bytes += folders_.capacity() * sizeof(Folder) + folder_slots_.ids.capacity() * 4 +
+  bytes += folders_.capacity() * sizeof(Folder) + folded_text_.capacity() + folder_slots_.ids.capacity() * 4 +
            direct_stretches_.capacity() * sizeof(Stretch);
   for (const Run& run : runs_) bytes += sizeof(Run) + run.check.capacity() * 4 + run.key.capacity();
   return bytes;
@@ -958,7 +959,7 @@ void RemoteListing::PlanIndexed(const Run& run, EnumCursor& cursor) const {
         if (FoldedStartsWith(NameOf(p), 0, tail)) list.push_back(p);
     }
     for (std::uint32_t c = folder.first_child; c != kNone; c = folders_[c].next_sibling) {
-      if (FoldedStartsWith(FolderName(folders_[c]), 0, tail)) CollectSubtree(c, list);
+      if (FolderName(folders_[c]).substr(0, tail.size()) == tail) CollectSubtree(c, list);
     }
   }
   std::sort(list.begin(), list.end());

@@ -141,10 +141,11 @@ class RemoteListing {
     std::uint32_t begin = 0;
     std::uint32_t spelling = kNone;
   };
-  // A folder whatever its case: its folded path is its spelling's, folded.
+  // A folder whatever its case: its parent and its folded last name.
   struct Folder {
-    std::uint32_t spelling = 0;  // the first spelling met
-    std::uint32_t hash = 0;      // of the parent and the folded last name
+    std::uint32_t folded = 0;  // the folded name in folded_text_
+    std::uint32_t size = 0;
+    std::uint32_t hash = 0;    // of the parent and the folded last name
     std::uint32_t parent = kNone;
     std::uint32_t first_child = kNone;
     std::uint32_t next_sibling = kNone;
@@ -176,9 +177,12 @@ class RemoteListing {
   std::uint32_t SpellingOf(std::u16string_view prefix);
   std::string_view Utf8Of(std::u16string_view text);
   std::uint32_t InternSpelling(std::uint32_t parent, std::string_view name);
-  std::uint32_t InternFolder(std::uint32_t parent, std::string_view folded, std::uint32_t spelling);
+  std::uint32_t InternFolder(std::uint32_t parent, std::string_view folded);
   std::string_view SpellingName(std::uint32_t spelling) const;
-  std::string_view FolderName(const Folder& folder) const { return SpellingName(folder.spelling); }
+  // Folded: compared with folded text byte for byte.
+  std::string_view FolderName(const Folder& folder) const {
+    return std::string_view(folded_text_).substr(folder.folded, folder.size);
+  }
   // The folder whose folded path is `folded` (ending with a backslash), or kNone.
   std::uint32_t FindFolder(std::string_view folded) const;
   std::uint32_t FindChildFolder(std::uint32_t parent, std::string_view folded, std::uint32_t hash) const;
@@ -229,6 +233,7 @@ class RemoteListing {
   std::unordered_map<std::string, std::size_t> run_by_name_;
   Slots folder_slots_;
   std::vector<Folder> folders_;
+  std::string folded_text_;
   std::vector<Stretch> direct_stretches_;  // grouped by folder, in file order
   bool finished_ = false;
 };
