@@ -24,7 +24,9 @@ inline std::wstring RandomDate(std::mt19937& rng) {
          L":" + two(time / 1440 % 60);
 }
 
-inline GeneratedListing GenerateListing(std::size_t entries, unsigned seed = 7) {
+// Each line (without its CRLF) goes to add_line; returns the folders.
+template <class AddLine>
+std::vector<std::wstring> GenerateLines(std::size_t entries, unsigned seed, AddLine&& add_line) {
   static const wchar_t* kWords[] = {L"Documents", L"Projects", L"Photos", L"Invoices", L"Archive",
                                     L"Reports", L"Backup", L"Music", L"Work", L"Private",
                                     L"Übersicht", L"Фотографии", L"Café", L"Ωmega"};
@@ -32,24 +34,26 @@ inline GeneratedListing GenerateListing(std::size_t entries, unsigned seed = 7) 
   // Separate stream for dates, so the tree is the same whatever the dates.
   std::mt19937 date_rng(seed + 1);
   std::uniform_int_distribution<int> word(0, 13), files(5, 25), subfolders(1, 5), digit(0, 9999);
-  GeneratedListing out;
-  out.text.reserve(entries * 104);
+  std::vector<std::wstring> folders;
+  std::size_t lines = 0;
+  std::wstring line;
   const wchar_t* drives[] = {L"C:\\", L"D:\\"};
   // Depth-first folders until enough files exist.
   std::vector<std::pair<std::wstring, int>> stack;
   for (const wchar_t* drive : drives) stack.emplace_back(drive, 0);
-  while (out.lines < entries) {
-    if (stack.empty()) stack.emplace_back(L"C:\\Users\\more" + std::to_wstring(out.lines) + L"\\", 1);
+  while (lines < entries) {
+    if (stack.empty()) stack.emplace_back(L"C:\\Users\\more" + std::to_wstring(lines) + L"\\", 1);
     auto [folder, depth] = stack.back();
     stack.pop_back();
-    out.folders.push_back(folder);
+    folders.push_back(folder);
     const int count = files(rng);
-    for (int f = 0; f < count && out.lines < entries; ++f) {
+    for (int f = 0; f < count && lines < entries; ++f) {
       std::wstring name = std::wstring(kWords[word(rng)]) + L"_" + std::to_wstring(digit(rng));
       while (folder.size() + name.size() < 62) name += L"_part";
-      out.text += folder + name + L".docx/" + std::to_wstring(1 + digit(rng) % 9) + L"/" +
-                  std::to_wstring(digit(rng) * 1337) + L"/" + RandomDate(date_rng) + L"/U\r\n";
-      ++out.lines;
+      line = folder + name + L".docx/" + std::to_wstring(1 + digit(rng) % 9) + L"/" +
+             std::to_wstring(digit(rng) * 1337) + L"/" + RandomDate(date_rng) + L"/U";
+      add_line(line);
+      ++lines;
     }
     if (depth < 6) {
       const int subs = depth < 2 ? 4 : subfolders(rng) - 1;
@@ -57,6 +61,17 @@ inline GeneratedListing GenerateListing(std::size_t entries, unsigned seed = 7) 
         stack.emplace_back(folder + kWords[word(rng)] + std::to_wstring(s) + L"\\", depth + 1);
     }
   }
+  return folders;
+}
+
+inline GeneratedListing GenerateListing(std::size_t entries, unsigned seed = 7) {
+  GeneratedListing out;
+  out.text.reserve(entries * 104);
+  out.folders = GenerateLines(entries, seed, [&](const std::wstring& line) {
+    out.text += line;
+    out.text += L"\r\n";
+  });
+  out.lines = entries;
   return out;
 }
 

@@ -1,6 +1,7 @@
 #include "browsing/case_fold.h"
 
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -98,10 +99,9 @@ static_assert(kCaseTables.valid, "a case pair changes the UTF-8 length or the tw
 
 }  // namespace
 
-char32_t FoldCase(char32_t c) {
-  if (c < 0x80) return (c >= U'A' && c <= U'Z') ? c + 32 : c;
-  return HasSlot(c) ? kCaseTables.lower[Slot(c)] : c;
-}
+char32_t FoldCaseBeyondAscii(char32_t c) { return HasSlot(c) ? kCaseTables.lower[Slot(c)] : c; }
+
+char32_t FoldCase(char32_t c) { return FoldCaseInline(c); }
 
 char32_t UpperCase(char32_t c) {
   if (c < 0x80) return (c >= U'a' && c <= U'z') ? c - 32 : c;
@@ -188,29 +188,37 @@ std::size_t CopyAsciiRun(const unsigned char* in, std::size_t size, wchar_t* out
   return i;
 }
 
+// Four units below 0x100 in one word, as four bytes (little-endian lanes).
+std::uint32_t NarrowFour(std::uint64_t word) {
+  return static_cast<std::uint32_t>((word & 0xFF) | ((word >> 8) & 0xFF00) | ((word >> 16) & 0xFF0000) |
+                                    ((word >> 24) & 0xFF000000));
+}
+
 std::size_t CopyAsciiRun(const char16_t* in, std::size_t size, char* out) {
   std::size_t i = 0;
-  for (; i + 8 <= size; i += 8) {
-    std::uint64_t words[2];
-    std::memcpy(words, in + i, 16);
-    if ((words[0] | words[1]) & 0xFF80FF80FF80FF80ULL) break;  // the mask is the same in every lane
-    for (std::size_t k = 0; k < 8; ++k) out[i + k] = static_cast<char>(in[i + k]);
+  if constexpr (std::endian::native == std::endian::little) {
+    for (; i + 8 <= size; i += 8) {
+      std::uint64_t words[2];
+      std::memcpy(words, in + i, 16);
+      if ((words[0] | words[1]) & 0xFF80FF80FF80FF80ULL) break;  // the mask is the same in every lane
+      const std::uint32_t bytes[2] = {NarrowFour(words[0]), NarrowFour(words[1])};
+      std::memcpy(out + i, bytes, 8);
+    }
   }
   for (; i < size && in[i] < 0x80; ++i) out[i] = static_cast<char>(in[i]);
   return i;
 }
 
-
 // The decoding of AssignWide; with kStops it ends at the first `stop` byte
 // and returns its offset (or the size).
 template <bool kStops>
-std::size_t Widen(std::wstring& out, std::string_view bytes, unsigned char stop) {
+std::size_t Widen(std::wstring& out, std::size_t kept, std::string_view bytes, unsigned char stop) {
   // No byte sequence decodes to more units than it has bytes, so one resize
   // (within the capacity the caller's string already has) is enough.
-  out.resize(bytes.size());
+  out.resize(kept + bytes.size());
   const auto* in = reinterpret_cast<const unsigned char*>(bytes.data());
   wchar_t* dst = out.data();
-  std::size_t i = 0, n = 0;
+  std::size_t i = 0, n = kept;
   while (i < bytes.size()) {
     const std::size_t run = CopyAsciiRun<kStops>(in + i, bytes.size() - i, dst + n, stop);
     i += run;
@@ -238,39 +246,56 @@ std::size_t Widen(std::wstring& out, std::string_view bytes, unsigned char stop)
 
 }  // namespace
 
-void AssignWide(std::wstring& out, std::string_view bytes) { Widen<false>(out, bytes, 0); }
+void AssignWide(std::wstring& out, std::string_view bytes) { Widen<false>(out, 0, bytes, 0); }
+
+void AppendWide(std::wstring& out, std::string_view bytes) { Widen<false>(out, out.size(), bytes, 0); }
 
 std::size_t AssignWideUntil(std::wstring& out, std::string_view bytes, char stop) {
-  return Widen<true>(out, bytes, static_cast<unsigned char>(stop));
+  return Widen<true>(out, 0, bytes, static_cast<unsigned char>(stop));
 }
 
-void AppendUtf8(std::string& out, std::u16string_view units) {
-  std::size_t i = 0;
+std::size_t EncodeUtf8(std::u16string_view units, char* out) {
+  std::size_t i = 0, n = 0;
   while (i < units.size()) {
-    const std::size_t old = out.size();
-    out.resize(old + units.size() - i);  // room for an all-ASCII rest
-    const std::size_t run = CopyAsciiRun(units.data() + i, units.size() - i, out.data() + old);
-    out.resize(old + run);
+    const std::size_t run = CopyAsciiRun(units.data() + i, units.size() - i, out + n);
     i += run;
+    n += run;
     // Two-byte forms come as words: encoded here in one go.
     for (; i < units.size() && units[i] >= 0x80 && units[i] < 0x800; ++i) {
-      out.push_back(static_cast<char>(0xC0 | (units[i] >> 6)));
-      out.push_back(static_cast<char>(0x80 | (units[i] & 0x3F)));
+      out[n++] = static_cast<char>(0xC0 | (units[i] >> 6));
+      out[n++] = static_cast<char>(0x80 | (units[i] & 0x3F));
     }
     if (i == units.size() || units[i] < 0x80) continue;
     char32_t c = units[i++];
     if (c >= 0xD800 && c < 0xDC00 && i < units.size() && units[i] >= 0xDC00 && units[i] < 0xE000) {
       c = 0x10000 + ((c - 0xD800) << 10) + (units[i] - 0xDC00);
       ++i;
+      out[n++] = static_cast<char>(0xF0 | (c >> 18));
+      out[n++] = static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+    } else {
+      out[n++] = static_cast<char>(0xE0 | (c >> 12));
     }
-    AppendUtf8(out, c);
+    out[n++] = static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    out[n++] = static_cast<char>(0x80 | (c & 0x3F));
   }
+  return n;
+}
+
+void AppendUtf8(std::string& out, std::u16string_view units) {
+  const std::size_t old = out.size();
+  out.resize(old + units.size() * kMaxUtf8PerUnit);
+  out.resize(old + EncodeUtf8(units, out.data() + old));
+}
+
+void AssignFoldedUtf8(std::string& out, std::wstring_view text) {
+  out.clear();
+  ForEachCodePoint(text, [&](char32_t c) { AppendUtf8(out, FoldCase(c)); });
 }
 
 std::string FoldedUtf8(std::wstring_view text) {
   std::string out;
   out.reserve(text.size());
-  ForEachCodePoint(text, [&](char32_t c) { AppendUtf8(out, FoldCase(c)); });
+  AssignFoldedUtf8(out, text);
   return out;
 }
 

@@ -22,6 +22,7 @@ class LinearScanListing {
   std::int32_t FindFirst(std::wstring_view folder, FindData& data);
   std::int32_t FindNext(FindData& data);
   std::size_t size() const { return entries_.size(); }
+  const std::wstring& entry(std::size_t position) const { return entries_[position - 1]; }
 
  private:
   struct Node {
@@ -39,6 +40,8 @@ class LinearScanListing {
   std::int32_t next_ = 0;
 };
 
+// Case folding as the scan does it, stated apart from the index's table.
+char32_t PlainFoldCase(char32_t c);
 std::wstring FoldedWide(std::wstring_view text);
 
 }  // namespace tavrine::browsing

@@ -189,10 +189,16 @@ void FillFromLine(std::wstring_view line, std::size_t name_begin, FindData& data
   }
 }
 
-void RemoteListing::Fill(std::uint32_t position, std::string_view query, bool at_start,
-                         FindData& data) const {
-  std::string_view line = EntryBytes(static_cast<std::int32_t>(position));
-  // Index matches are known to start the line; others are searched.
+// The general way: a whole line, searched for the folder path unless the
+// index vouches that it starts with it.
+void RemoteListing::Fill(std::uint32_t position, EnumCursor& cursor, bool at_start, FindData& data) const {
+  if (at_start && !records_[position - 1].escaped()) {
+    FillFromPacked(position, cursor, data);
+    return;
+  }
+  EntryUtf8(static_cast<std::int32_t>(position), cursor.line);
+  const std::string_view line = cursor.line;
+  const std::string_view query = cursor.query;
   const bool starts = at_start || FoldedStartsWith(line, 0, query);
   std::size_t at = starts ? 0 : FoldedFind(line, query);
   if (at == std::string_view::npos) at = 0;
@@ -220,6 +226,32 @@ void RemoteListing::Fill(std::uint32_t position, std::string_view query, bool at
   }
 }
 
+// A line known to start with the folder path, fields packed: the name is the
+// path from the query's end, made of the folder's path (widened once per
+// folder) and the record's name.
+void RemoteListing::FillFromPacked(std::uint32_t position, EnumCursor& cursor, FindData& data) const {
+  cursor.spelling_run = SpellingRunOf(position, cursor.spelling_run);
+  const std::uint32_t spelling = spelling_runs_[cursor.spelling_run].spelling;
+  const std::size_t name_begin = cursor.query.size();
+  if (spelling != cursor.spelling) {
+    cursor.spelling = spelling;
+    cursor.spelling_path.clear();
+    if (spelling != kNone) AppendSpellingPath(spelling, cursor.spelling_path);
+    cursor.name_head.clear();
+    if (name_begin < cursor.spelling_path.size())
+      AssignWide(cursor.name_head, std::string_view(cursor.spelling_path).substr(name_begin));
+  }
+  const std::string_view name = NameOf(position);
+  const std::size_t path_size = cursor.spelling_path.size();
+  if (name_begin <= path_size) {
+    data.cFilename.assign(cursor.name_head);
+    AppendWide(data.cFilename, name);
+  } else {
+    AssignWide(data.cFilename, name.substr(std::min(name_begin - path_size, name.size())));
+  }
+  FillPackedFields(records_[position - 1], modes_, data);
+}
+
 // ---- reading a listing file ----------------------------------------------------
 
 namespace {
@@ -230,9 +262,12 @@ namespace {
 std::size_t FindLineEnd(std::u16string_view text, std::size_t at) {
   const char16_t* units = text.data();
   std::size_t i = at;
+  constexpr std::uint64_t kLanes = 0x0001000100010001ULL, kHigh = kLanes * 0x8000;
   for (; i + 8 <= text.size(); i += 8) {
-    unsigned low = 0;
-    for (std::size_t k = 0; k < 8; ++k) low |= units[i + k] <= u'\r';
+    std::uint64_t words[2];
+    std::memcpy(words, units + i, 16);
+    // High bit of a lane set when the unit is below 14 (or, harmlessly, above 0x800D).
+    const std::uint64_t low = ((words[0] - kLanes * 14) | (words[1] - kLanes * 14)) & kHigh;
     if (low) break;
   }
   for (; i < text.size(); ++i) {
@@ -255,7 +290,10 @@ class Utf16Lines {
 
   static constexpr std::size_t kChunkUnits = std::size_t{1} << 16;  // stays in the L2 cache
   std::istream& in_;
-  std::u16string buffer_;
+  // Filled by reads only: a string would clear every chunk before the read.
+  std::unique_ptr<char16_t[]> units_;
+  std::size_t capacity_ = 0;
+  std::size_t size_ = 0;
   std::size_t at_ = 0;
   std::size_t scanned_ = 0;  // no line end before here: a very long line is scanned once
   bool started_ = false;
@@ -263,42 +301,50 @@ class Utf16Lines {
 };
 
 void Utf16Lines::Refill() {
-  buffer_.erase(0, at_);  // keep the unfinished line
+  // Keep the unfinished line.
+  const std::size_t kept = size_ - at_;
+  if (at_ > 0 && kept > 0) std::memmove(units_.get(), units_.get() + at_, kept * sizeof(char16_t));
   scanned_ = scanned_ > at_ ? scanned_ - at_ : 0;
   at_ = 0;
-  const std::size_t kept = buffer_.size();
-  buffer_.resize(kept + kChunkUnits);
-  in_.read(reinterpret_cast<char*>(buffer_.data() + kept),
-           static_cast<std::streamsize>(kChunkUnits * 2));
+  size_ = kept;
+  if (capacity_ < kept + kChunkUnits) {
+    const std::size_t capacity = std::max(2 * capacity_, kept + kChunkUnits);
+    std::unique_ptr<char16_t[]> grown(new char16_t[capacity]);
+    if (kept > 0) std::memcpy(grown.get(), units_.get(), kept * sizeof(char16_t));
+    units_ = std::move(grown);
+    capacity_ = capacity;
+  }
+  in_.read(reinterpret_cast<char*>(units_.get() + kept), static_cast<std::streamsize>(kChunkUnits * 2));
   const std::size_t got = static_cast<std::size_t>(in_.gcount()) / 2;
-  buffer_.resize(kept + got);
+  size_ = kept + got;
   at_end_ = got < kChunkUnits;  // a read stops short only at the end
   if constexpr (std::endian::native == std::endian::big) {
-    for (std::size_t i = kept; i < buffer_.size(); ++i)
-      buffer_[i] = static_cast<char16_t>((buffer_[i] >> 8) | (buffer_[i] << 8));
+    for (std::size_t i = kept; i < size_; ++i)
+      units_[i] = static_cast<char16_t>((units_[i] >> 8) | (units_[i] << 8));
   }
   if (!started_) {
     started_ = true;
-    if (!buffer_.empty() && buffer_[0] == 0xFEFF) at_ = 1;
+    if (size_ > 0 && units_[0] == 0xFEFF) at_ = 1;
   }
 }
 
 bool Utf16Lines::Next(std::u16string_view& line) {
   if (!started_) Refill();
   while (true) {
-    const std::size_t end = FindLineEnd(buffer_, std::max(at_, scanned_));
+    const std::u16string_view buffer(units_.get(), size_);
+    const std::size_t end = FindLineEnd(buffer, std::max(at_, scanned_));
     // A CR last in the buffer may be the first half of a CRLF.
-    const bool open = end == buffer_.size() || (buffer_[end] == u'\r' && end + 1 == buffer_.size());
+    const bool open = end == buffer.size() || (buffer[end] == u'\r' && end + 1 == buffer.size());
     if (open && !at_end_) {
       scanned_ = end;
       Refill();
       continue;
     }
-    if (at_ >= buffer_.size()) return false;
-    line = std::u16string_view(buffer_).substr(at_, end - at_);
+    if (at_ >= buffer.size()) return false;
+    line = buffer.substr(at_, end - at_);
     std::size_t next = end + 1;
-    if (next < buffer_.size() && buffer_[end] == u'\r' && buffer_[next] == u'\n') ++next;
-    at_ = std::min(next, buffer_.size());
+    if (next < buffer.size() && buffer[end] == u'\r' && buffer[next] == u'\n') ++next;
+    at_ = std::min(next, buffer.size());
     return true;
   }
 }
@@ -319,20 +365,46 @@ void FoldBytes(std::string_view bytes, std::string& out) {
 
 }  // namespace
 
+
 // ---- loading -----------------------------------------------------------------
 
-RemoteListing::RemoteListing() {
-  root_.InitNode(L"\\");
-  offsets_.push_back(0);
+namespace {
+
+// The first `unit` at or after `from`, or the size; four units a step.
+std::size_t FindUnit(std::u16string_view text, std::size_t from, char16_t unit) {
+  constexpr std::uint64_t kLanes = 0x0001000100010001ULL, kHigh = kLanes * 0x8000;
+  std::size_t i = from;
+  if constexpr (std::endian::native == std::endian::little) {
+    for (; i + 4 <= text.size(); i += 4) {
+      std::uint64_t word;
+      std::memcpy(&word, text.data() + i, 8);
+      const std::uint64_t x = word ^ (kLanes * unit);
+      if ((x - kLanes) & ~x & kHigh) break;  // some lane is zero
+    }
+  }
+  while (i < text.size() && text[i] != unit) ++i;
+  return i;
 }
+
+}  // namespace
+
+
+RemoteListing::RemoteListing() { root_.InitNode(L"\\"); }
 
 void RemoteListing::BeginFile(const std::wstring& machine) {
   machine_ = machine;
-  machine_utf8_.clear();
+  machine16_.clear();
   if (!machine.empty()) {
     machine_mode_ = true;
-    ForEachCodePoint(machine, [&](char32_t c) { AppendUtf8(machine_utf8_, c); });
-    machine_utf8_.push_back('\\');
+    ForEachCodePoint(machine, [&](char32_t c) {
+      if (c >= 0x10000) {
+        machine16_.push_back(static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10)));
+        machine16_.push_back(static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF)));
+      } else {
+        machine16_.push_back(static_cast<char16_t>(c));
+      }
+    });
+    machine16_.push_back(u'\\');
   }
   first_line_of_file_ = true;
   marked_form_ = false;
@@ -357,22 +429,32 @@ bool RemoteListing::AddLine(std::u16string_view line) {
       marked_form_ = last - start < 2;
     }
   }
-  std::u16string rewritten;
   if (marked_form_ && line.size() >= 3 && line[line.size() - 3] == u'1') {
-    rewritten.assign(line.substr(0, line.size() >= 4 ? line.size() - 4 : 0));
-    rewritten.append(line.substr(line.size() - 2));
-    line = rewritten;
+    rewritten_.assign(line.substr(0, line.size() >= 4 ? line.size() - 4 : 0));
+    rewritten_.append(line.substr(line.size() - 2));
+    line = rewritten_;
   }
-  if (StartsNewNode(line)) {
+  std::u16string_view stored = line;
+  if (!machine16_.empty()) {
+    line16_.assign(machine16_);
+    line16_.append(line);
+    stored = line16_;
+  }
+  // A line in the last line's folder has that line's first-level name too.
+  const std::size_t known = previous_spelling_ == kNone ? 0 : previous_prefix_.size();
+  bool same_start = known > 0 && stored.size() > known &&
+                    std::memcmp(stored.data(), previous_prefix_.data(), known * sizeof(char16_t)) == 0;
+  if ((!same_start || !machine16_.empty()) && StartsNewNode(line)) {
     current_node_ = root_.AppendChild(machine_.empty() ? previous_name_ : machine_);
     current_node_->first_entry_ = count() + 1;
-    runs_.push_back(Run{current_node_, {}, false, {}});
+    runs_.push_back(Run{current_node_, {}, {}, false, {}});
     run_by_name_.emplace(FoldedUtf8(current_node_->name_), runs_.size() - 1);
+    previous_spelling_ = kNone;  // the folder part's check depends on the run's key
+    same_start = false;
   }
-  AppendEntry(line);
+  StoreEntry(stored, same_start ? known : 0);
   if (overflowed_) return false;
   current_node_->last_entry_ = count();
-  IndexLine(static_cast<std::uint32_t>(count()));
   return true;
 }
 
@@ -383,10 +465,12 @@ bool RemoteListing::StartsNewNode(std::u16string_view line) {
     if (new_node) previous_name_ = machine_;
     return new_node;
   }
-  std::size_t slash = line.find(u'\\');
-  if (slash == line.npos) return new_node;
+  const std::size_t slash = FindUnit(line, 0, u'\\');
+  if (slash == line.size()) return new_node;
   std::u16string_view head = line.substr(0, slash + 1);
-  if (head == previous_head_) return new_node;
+  if (head.size() == previous_head_.size() &&
+      std::memcmp(head.data(), previous_head_.data(), head.size() * sizeof(char16_t)) == 0)
+    return new_node;
   previous_head_.assign(head);
   std::wstring wide;
   for (char16_t c : head) wide.push_back(static_cast<wchar_t>(c));
@@ -398,22 +482,125 @@ bool RemoteListing::StartsNewNode(std::u16string_view line) {
   return new_node;
 }
 
-void RemoteListing::AppendEntry(std::u16string_view line) {
-  if (text_.size() + machine_utf8_.size() + line.size() * 3 > kTextLimit) {
+// The UTF-8 form of a piece of a line, valid until the next call. The
+// buffer only grows, so no piece pays for clearing it.
+std::string_view RemoteListing::Utf8Of(std::u16string_view text) {
+  const std::size_t room = text.size() * kMaxUtf8PerUnit;
+  if (utf8_.size() < room) utf8_.resize(std::max(room, 2 * utf8_.size()));
+  return std::string_view(utf8_.data(), EncodeUtf8(text, utf8_.data()));
+}
+
+namespace {
+
+// The first of two units at or after `from`, or the size.
+std::size_t FindEither(std::u16string_view text, std::size_t from, char16_t one, char16_t other) {
+  constexpr std::uint64_t kLanes = 0x0001000100010001ULL, kHigh = kLanes * 0x8000;
+  std::size_t i = from;
+  if constexpr (std::endian::native == std::endian::little) {
+    for (; i + 4 <= text.size(); i += 4) {
+      std::uint64_t word;
+      std::memcpy(&word, text.data() + i, 8);
+      const std::uint64_t x = word ^ (kLanes * one), y = word ^ (kLanes * other);
+      if (((x - kLanes) & ~x & kHigh) | ((y - kLanes) & ~y & kHigh)) break;
+    }
+  }
+  while (i < text.size() && text[i] != one && text[i] != other) ++i;
+  return i;
+}
+
+// Unit by unit: folding leaves surrogates alone, and a backslash is never
+// half of a pair, so this agrees with the folded UTF-8 comparison wherever
+// a match ends at a backslash, and finds no fewer places elsewhere.
+bool FoldedStartsWith16(std::u16string_view line, std::size_t at, std::u16string_view folded) {
+  if (at + folded.size() > line.size()) return false;
+  for (std::size_t k = 0; k < folded.size(); ++k)
+    if (FoldCaseInline(line[at + k]) != folded[k]) return false;
+  return true;
+}
+
+}  // namespace
+
+// A line becomes its folder's spelling, its name and its fields; the index
+// notes what it needs while the line is still in the cache.
+// known: the line starts with the last line's folder part, this long (or 0).
+void RemoteListing::StoreEntry(std::u16string_view line, std::size_t known) {
+  const bool same_start = known > 0;
+  // Most lines are in the last line's folder: then only the name is searched.
+  std::size_t path_end, folder_end;
+  const std::size_t stop = same_start ? FindEither(line, known, u'/', u'\\') : 0;
+  if (same_start && (stop == line.size() || line[stop] == u'/')) {
+    path_end = stop;
+    folder_end = known;
+  } else {
+    path_end = FindUnit(line, stop, u'/');
+    folder_end = path_end;
+    while (folder_end > 0 && line[folder_end - 1] != u'\\') --folder_end;
+  }
+  const std::u16string_view prefix = line.substr(0, folder_end);  // ends with a backslash, or empty
+  const std::u16string_view name = line.substr(folder_end, path_end - folder_end);
+  const std::u16string_view fields = line.substr(path_end);
+  if (names_.size() + line.size() * kMaxUtf8PerUnit > kTextLimit ||
+      spelling_text_.size() + prefix.size() * kMaxUtf8PerUnit > kTextLimit ||
+      records_.size() >= static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
     overflowed_ = true;
     foundation::Trace(L"InitTree : listing too large, the rest is ignored");
     return;
   }
-  text_.append(machine_utf8_);
-  AppendUtf8(text_, line);
-  offsets_.push_back(static_cast<std::uint32_t>(text_.size()));
+  const auto position = static_cast<std::uint32_t>(records_.size() + 1);
+  Run& run = runs_.back();
+  if (position == static_cast<std::uint32_t>(run.node->first_entry_)) {
+    const std::size_t head_end = FindUnit(line, 0, u'\\');
+    if (head_end < line.size()) {
+      for (std::size_t k = 0; k <= head_end; ++k) run.key16.push_back(static_cast<char16_t>(FoldCase(line[k])));
+      run.key.assign(Utf8Of(run.key16));
+      run.has_key = true;
+    }
+  }
+
+  std::uint32_t spelling = kNone;
+  if (!prefix.empty()) {
+    if (same_start && prefix.size() == known) {
+      spelling = previous_spelling_;
+    } else {
+      spelling = SpellingOf(prefix);
+      prefix_needs_check_ = NeedsCheck(run, prefix);
+    }
+  }
+  if (spelling_runs_.empty() || spelling_runs_.back().spelling != spelling)
+    spelling_runs_.push_back(SpellingRun{position, spelling});
+  EntryRecord record;
+  record.text = static_cast<std::uint32_t>(names_.size());
+  names_.append(Utf8Of(name));
+  if (!PackFields(fields, modes_, record)) {
+    record.seconds_or_name_size = static_cast<std::uint32_t>(names_.size() - record.text);
+    record.packed = ModeTable::kEscaped;
+    names_.append(Utf8Of(fields));
+  }
+  records_.push_back(record);
+
+  // A key that starts a line ends at a backslash of its folder part (a key
+  // with a "/" never starts one), and one found again ends at a backslash of
+  // the folder part (the name has none) or lies wholly in the fields: the
+  // folder part's answer holds for all its lines.
+  bool needs_check;
+  if (!run.has_key || prefix.empty()) {
+    needs_check = true;
+  } else {
+    const bool fields_backslash = record.escaped() ? FindUnit(fields, 0, u'\\') < fields.size()
+                                                   : modes_.HoldsBackslash(record.mode());
+    needs_check = prefix_needs_check_ || (fields_backslash && NeedsCheck(run, line));
+  }
+  if (needs_check) run.check.push_back(position);
 }
 
-// Sized from the first lines, the entry table is allocated once: growing it
-// step by step would leave the outgrown copies resident in the heap.
-void RemoteListing::ReserveForFile(std::size_t file_units, std::size_t units_per_line) {
+// Sized from the first lines, the records and names are allocated once:
+// growing them step by step would leave the outgrown copies resident in the heap.
+void RemoteListing::ReserveForFile(std::size_t file_units, std::size_t units_per_line,
+                                   std::size_t names_per_line) {
   const std::size_t lines = file_units / std::max<std::size_t>(units_per_line, 1);
-  offsets_.reserve(offsets_.size() + lines + lines / 16 + 1024);
+  const std::size_t more = lines + lines / 16 + 1024;
+  records_.reserve(records_.size() + more);
+  names_.reserve(names_.size() + more * (names_per_line + 1));
 }
 
 bool RemoteListing::AddFile(const std::wstring& path, const std::wstring& machine) {
@@ -423,16 +610,16 @@ bool RemoteListing::AddFile(const std::wstring& path, const std::wstring& machin
   std::streamoff size = in.tellg();
   if (size < 0) return false;
   in.seekg(0, std::ios::beg);
-  // About one byte a unit: listing text is mostly ASCII.
   const std::size_t units = static_cast<std::size_t>(size) / 2;
-  text_.reserve(text_.size() + units + units / 8 + 64);
   BeginFile(machine);
   Utf16Lines lines(in);
   std::u16string_view line;
   std::size_t seen_lines = 0, seen_units = 0;
+  const std::size_t names_before = names_.size();
   while (lines.Next(line) && AddLine(line)) {
     seen_units += line.size() + 2;
-    if (++seen_lines == kSampleLines) ReserveForFile(units, seen_units / seen_lines);
+    if (++seen_lines == kSampleLines)
+      ReserveForFile(units, seen_units / seen_lines, (names_.size() - names_before) / seen_lines);
     // Pending window messages run between lines, though not after every one:
     // that would cost a large share of the load time of a long listing.
     if (seen_lines % kLinesPerMessagePump == 0) platform::CurrentUi().PumpMessages();
@@ -440,69 +627,172 @@ bool RemoteListing::AddFile(const std::wstring& path, const std::wstring& machin
   return true;
 }
 
-std::string_view RemoteListing::EntryBytes(std::int32_t position) const {
-  return std::string_view(text_).substr(offsets_[position - 1],
-                                        offsets_[position] - offsets_[position - 1]);
+std::string_view RemoteListing::RecordBytes(std::uint32_t position) const {
+  const std::uint32_t begin = records_[position - 1].text;
+  const std::size_t end = position < records_.size() ? records_[position].text : names_.size();
+  return std::string_view(names_).substr(begin, end - begin);
+}
+
+std::string_view RemoteListing::NameOf(std::uint32_t position) const {
+  const EntryRecord& record = records_[position - 1];
+  const std::string_view bytes = RecordBytes(position);
+  return record.escaped() ? bytes.substr(0, record.seconds_or_name_size) : bytes;
+}
+
+void RemoteListing::EntryUtf8(std::int32_t position, std::string& out) const {
+  out.clear();
+  if (position < 1 || position > count()) return;
+  const auto p = static_cast<std::uint32_t>(position);
+  const std::uint32_t spelling = spelling_runs_[SpellingRunOf(p, kNone)].spelling;
+  if (spelling != kNone) AppendSpellingPath(spelling, out);
+  out.append(RecordBytes(p));
+  if (!records_[p - 1].escaped()) AppendFields(records_[p - 1], modes_, out);
 }
 
 std::wstring RemoteListing::Entry(std::int32_t position) const {
+  std::string bytes;
+  EntryUtf8(position, bytes);
   std::wstring out;
-  if (position >= 1 && position <= count()) AssignWide(out, EntryBytes(position));
+  AssignWide(out, bytes);
   return out;
 }
 
-// ---- the index ---------------------------------------------------------------
+// ---- folders -----------------------------------------------------------------
 
 namespace {
 
-std::uint32_t HashFolded(std::string_view folded) {
-  return static_cast<std::uint32_t>(std::hash<std::string_view>{}(folded));
+std::uint32_t HashName(std::uint32_t parent, std::string_view name) {
+  const std::uint64_t h = std::hash<std::string_view>{}(name) ^ (std::uint64_t{parent} * 0x9E3779B97F4A7C15ULL);
+  return static_cast<std::uint32_t>(h ^ (h >> 32));
 }
 
 }  // namespace
 
-std::string_view RemoteListing::FolderPath(const Folder& folder) const {
-  return EntryBytes(static_cast<std::int32_t>(folder.key_line)).substr(0, folder.key_size);
+std::string_view RemoteListing::SpellingName(std::uint32_t spelling) const {
+  const Spelling& s = spellings_[spelling];
+  return std::string_view(spelling_text_).substr(s.text, s.size);
 }
 
-std::uint32_t RemoteListing::FindFolder(std::string_view folded, std::uint32_t hash) const {
-  if (folder_slots_.empty()) return kNone;
-  const std::size_t mask = folder_slots_.size() - 1;
-  for (std::size_t slot = hash & mask;; slot = (slot + 1) & mask) {
-    const std::uint32_t id = folder_slots_[slot];
-    if (id == kNone) return kNone;
-    const Folder& folder = folders_[id];
-    // Folding keeps the byte length, so equal sizes and a folded prefix match mean equal paths.
-    if (folder.hash == hash && folder.key_size == folded.size() &&
-        FoldedStartsWith(FolderPath(folder), 0, folded))
-      return id;
+void RemoteListing::AppendSpellingPath(std::uint32_t spelling, std::string& out) const {
+  std::size_t total = 0;
+  for (std::uint32_t s = spelling; s != kNone; s = spellings_[s].parent) total += spellings_[s].size + 1;
+  std::size_t end = out.size() + total;
+  out.resize(end);
+  // Filled from its end, so a deep folder needs no stack.
+  for (std::uint32_t s = spelling; s != kNone; s = spellings_[s].parent) {
+    out[--end] = '\\';
+    end -= spellings_[s].size;
+    std::memcpy(out.data() + end, spelling_text_.data() + spellings_[s].text, spellings_[s].size);
   }
 }
 
-void RemoteListing::GrowFolderSlots() {
-  std::vector<std::uint32_t> slots(std::max<std::size_t>(64, folder_slots_.size() * 2), kNone);
-  const std::size_t mask = slots.size() - 1;
-  for (std::uint32_t id = 0; id < folders_.size(); ++id) {
-    std::size_t slot = folders_[id].hash & mask;
-    while (slots[slot] != kNone) slot = (slot + 1) & mask;
-    slots[slot] = id;
+std::uint32_t RemoteListing::SpellingRunOf(std::uint32_t position, std::uint32_t hint) const {
+  const auto covers = [&](std::size_t run) {
+    return spelling_runs_[run].begin <= position &&
+           (run + 1 == spelling_runs_.size() || spelling_runs_[run + 1].begin > position);
+  };
+  if (hint < spelling_runs_.size()) {
+    if (covers(hint)) return hint;
+    if (hint + 1 < spelling_runs_.size() && covers(hint + 1)) return hint + 1;
   }
-  folder_slots_.swap(slots);
+  const auto after = std::upper_bound(spelling_runs_.begin(), spelling_runs_.end(), position,
+                                      [](std::uint32_t p, const SpellingRun& run) { return p < run.begin; });
+  return static_cast<std::uint32_t>(after - spelling_runs_.begin() - 1);
 }
 
-// `position` is a line that begins with the folder's path.
-std::uint32_t RemoteListing::InternFolded(std::string_view folded, std::uint32_t position) {
-  const std::uint32_t hash = HashFolded(folded);
-  if (std::uint32_t found = FindFolder(folded, hash); found != kNone) return found;
-  std::uint32_t parent = kNone;
-  if (folded.size() >= 2) {
-    std::size_t previous = folded.rfind('\\', folded.size() - 2);
-    if (previous != std::string::npos) parent = InternFolded(folded.substr(0, previous + 1), position);
+namespace {
+
+// Inserts `id` with `hash`; grows (re-hashing with hash_of) to stay at most half full.
+template <class Slots, class HashOf>
+void InsertSlot(Slots& slots, std::uint32_t id, std::uint32_t hash, HashOf&& hash_of) {
+  constexpr std::uint32_t kFree = UINT32_MAX;
+  if ((slots.used + 1) * 2 > slots.ids.size()) {
+    std::vector<std::uint32_t> grown(std::max<std::size_t>(64, slots.ids.size() * 2), kFree);
+    const std::size_t mask = grown.size() - 1;
+    for (std::uint32_t old : slots.ids) {
+      if (old == kFree) continue;
+      std::size_t slot = hash_of(old) & mask;
+      while (grown[slot] != kFree) slot = (slot + 1) & mask;
+      grown[slot] = old;
+    }
+    slots.ids.swap(grown);
   }
-  const std::uint32_t id = static_cast<std::uint32_t>(folders_.size());
+  const std::size_t mask = slots.ids.size() - 1;
+  std::size_t slot = hash & mask;
+  while (slots.ids[slot] != kFree) slot = (slot + 1) & mask;
+  slots.ids[slot] = id;
+  ++slots.used;
+}
+
+}  // namespace
+
+// Lines of one folder come together, and the next folder shares most of the
+// path: only the names after the common part are looked up.
+std::uint32_t RemoteListing::SpellingOf(std::u16string_view prefix) {
+  if (previous_spelling_ != kNone && prefix.size() == previous_prefix_.size() &&
+      std::memcmp(prefix.data(), previous_prefix_.data(), prefix.size() * sizeof(char16_t)) == 0)
+    return previous_spelling_;
+  std::size_t common = 0;
+  const std::size_t limit = std::min(prefix.size(), previous_prefix_.size());
+  while (common < limit && prefix[common] == previous_prefix_[common]) ++common;
+  // prefix_chain_ holds pairs: end of a folder in previous_prefix_, its spelling.
+  while (!prefix_chain_.empty() && prefix_chain_[prefix_chain_.size() - 2] > common)
+    prefix_chain_.resize(prefix_chain_.size() - 2);
+  std::size_t at = prefix_chain_.empty() ? 0 : prefix_chain_[prefix_chain_.size() - 2];
+  std::uint32_t spelling = prefix_chain_.empty() ? kNone : prefix_chain_.back();
+  while (at < prefix.size()) {
+    const std::size_t end = FindUnit(prefix, at, u'\\');
+    spelling = InternSpelling(spelling, Utf8Of(prefix.substr(at, end - at)));
+    prefix_chain_.push_back(static_cast<std::uint32_t>(end + 1));
+    prefix_chain_.push_back(spelling);
+    at = end + 1;
+  }
+  previous_prefix_.assign(prefix);
+  previous_spelling_ = spelling;
+  return spelling;
+}
+
+std::uint32_t RemoteListing::InternSpelling(std::uint32_t parent, std::string_view name) {
+  const std::uint32_t hash = HashName(parent, name);
+  if (!spelling_slots_.ids.empty()) {
+    const std::size_t mask = spelling_slots_.ids.size() - 1;
+    for (std::size_t slot = hash & mask; spelling_slots_.ids[slot] != kNone; slot = (slot + 1) & mask) {
+      const std::uint32_t id = spelling_slots_.ids[slot];
+      if (spellings_[id].parent == parent && SpellingName(id) == name) return id;
+    }
+  }
+  const auto id = static_cast<std::uint32_t>(spellings_.size());
+  spellings_.push_back(Spelling{parent, static_cast<std::uint32_t>(spelling_text_.size()),
+                                static_cast<std::uint32_t>(name.size()), kNone});
+  spelling_text_.append(name);
+  InsertSlot(spelling_slots_, id, hash,
+             [&](std::uint32_t s) { return HashName(spellings_[s].parent, SpellingName(s)); });
+  FoldBytes(name, folded_scratch_);
+  spellings_[id].folder = InternFolder(parent == kNone ? kNone : spellings_[parent].folder, folded_scratch_);
+  return id;
+}
+
+std::uint32_t RemoteListing::FindChildFolder(std::uint32_t parent, std::string_view folded,
+                                             std::uint32_t hash) const {
+  if (folder_slots_.ids.empty()) return kNone;
+  const std::size_t mask = folder_slots_.ids.size() - 1;
+  for (std::size_t slot = hash & mask; folder_slots_.ids[slot] != kNone; slot = (slot + 1) & mask) {
+    const Folder& folder = folders_[folder_slots_.ids[slot]];
+    // Names are kept folded, so equal bytes mean the same folder.
+    if (folder.hash == hash && folder.parent == parent && FolderName(folder) == folded)
+      return folder_slots_.ids[slot];
+  }
+  return kNone;
+}
+
+std::uint32_t RemoteListing::InternFolder(std::uint32_t parent, std::string_view folded) {
+  const std::uint32_t hash = HashName(parent, folded);
+  if (std::uint32_t found = FindChildFolder(parent, folded, hash); found != kNone) return found;
+  const auto id = static_cast<std::uint32_t>(folders_.size());
   Folder folder;
-  folder.key_line = position;
-  folder.key_size = static_cast<std::uint32_t>(folded.size());
+  folder.folded = static_cast<std::uint32_t>(folded_text_.size());
+  folder.size = static_cast<std::uint32_t>(folded.size());
+  folded_text_.append(folded);
   folder.hash = hash;
   folder.parent = parent;
   if (parent != kNone) {
@@ -510,92 +800,74 @@ std::uint32_t RemoteListing::InternFolded(std::string_view folded, std::uint32_t
     folders_[parent].first_child = id;
   }
   folders_.push_back(folder);
-  // At most half full, so probes stay short.
-  if (folders_.size() * 2 > folder_slots_.size()) {
-    GrowFolderSlots();
-  } else {
-    const std::size_t mask = folder_slots_.size() - 1;
-    std::size_t slot = hash & mask;
-    while (folder_slots_[slot] != kNone) slot = (slot + 1) & mask;
-    folder_slots_[slot] = id;
-  }
+  InsertSlot(folder_slots_, id, hash, [&](std::uint32_t f) { return folders_[f].hash; });
   return id;
 }
 
-// Done while the line just stored is still in the cache, so that the load
-// reads the text once.
-void RemoteListing::IndexLine(std::uint32_t position) {
-  Run& run = runs_.back();
-  const std::string_view line = EntryBytes(static_cast<std::int32_t>(position));
-  if (position == static_cast<std::uint32_t>(run.node->first_entry_)) {
-    const std::size_t head_end = line.find('\\');
-    if (head_end != std::string_view::npos) {
-      FoldBytes(line.substr(0, head_end + 1), run.key);
-      run.has_key = true;
-    }
+std::uint32_t RemoteListing::FindFolder(std::string_view folded) const {
+  std::uint32_t folder = kNone;
+  for (std::size_t at = 0; at < folded.size();) {
+    const std::size_t end = folded.find('\\', at);
+    if (end == std::string_view::npos) return kNone;
+    const std::string_view name = folded.substr(at, end - at);
+    folder = FindChildFolder(folder, name, HashName(folder, name));
+    if (folder == kNone) return kNone;
+    at = end + 1;
   }
-  if (NeedsCheck(run, line)) run.check.push_back(position);
-  const std::uint32_t folder = FolderOf(position);
-  if (folder != kNone) AddToStretch(folder, position);
+  return folder;
 }
 
-void RemoteListing::AddToStretch(std::uint32_t folder, std::uint32_t position) {
-  if (!loaded_stretches_.empty()) {
-    FolderStretch& last = loaded_stretches_.back();
-    if (last.folder == folder && last.stretch.end == position) {
-      ++last.stretch.end;
-      return;
-    }
-  }
-  loaded_stretches_.push_back(FolderStretch{folder, Stretch{position, position + 1}});
-}
+// ---- the index ---------------------------------------------------------------
 
-bool RemoteListing::NeedsCheck(const Run& run, std::string_view line) {
-  if (!run.has_key || !FoldedStartsWith(line, 0, run.key)) return true;
-  // The key seen again later in the line: a match could start there.
-  const std::size_t key_size = run.key.size();
-  for (std::size_t j = line.find('\\', key_size); j != std::string_view::npos;
-       j = line.find('\\', j + 1)) {
-    if (FoldedStartsWith(line, j + 1 - key_size, run.key)) return true;
+bool RemoteListing::NeedsCheck(const Run& run, std::u16string_view line) {
+  if (!run.has_key || !FoldedStartsWith16(line, 0, run.key16)) return true;
+  // The key seen again later in the line: a match could start there. The
+  // unit before each backslash rules out most places at once.
+  const std::u16string_view key = run.key16;
+  const char16_t key_before = key.size() >= 2 ? key[key.size() - 2] : 0;
+  for (std::size_t j = FindUnit(line, key.size(), u'\\'); j < line.size(); j = FindUnit(line, j + 1, u'\\')) {
+    if (key.size() >= 2 && FoldCaseInline(line[j - 1]) != key_before) continue;
+    if (FoldedStartsWith16(line, j + 1 - key.size(), key)) return true;
   }
   return false;
 }
 
-std::uint32_t RemoteListing::FolderOf(std::uint32_t position) {
-  const std::string_view line = EntryBytes(static_cast<std::int32_t>(position));
-  std::size_t path_end = line.find('/');
-  if (path_end == std::string_view::npos) path_end = line.size();
-  const std::size_t folder_end = path_end == 0 ? std::string_view::npos : line.rfind('\\', path_end - 1);
-  if (folder_end == std::string_view::npos) return kNone;
-  const std::string_view prefix = line.substr(0, folder_end + 1);
-  // Lines of one folder come together: fold and look up only on a change.
-  if (prefix != std::string_view(text_).substr(previous_prefix_begin_, previous_prefix_size_)) {
-    FoldBytes(prefix, folded_scratch_);
-    previous_folder_ = InternFolded(folded_scratch_, position);
-    previous_prefix_begin_ = offsets_[position - 1];
-    previous_prefix_size_ = static_cast<std::uint32_t>(prefix.size());
-  }
-  return previous_folder_;
-}
-
 void RemoteListing::Finish() {
   if (finished_) return;
-  // Stretches grouped by folder (a counting sort keeps file order).
+  // Stretches of lines directly in a folder, from the runs of spellings.
+  struct FolderStretch {
+    std::uint32_t folder;
+    Stretch stretch;
+  };
+  std::vector<FolderStretch> loaded;
+  loaded.reserve(spelling_runs_.size());
+  for (std::size_t k = 0; k < spelling_runs_.size(); ++k) {
+    const SpellingRun& run = spelling_runs_[k];
+    if (run.spelling == kNone) continue;
+    const std::uint32_t end = k + 1 < spelling_runs_.size() ? spelling_runs_[k + 1].begin
+                                                            : static_cast<std::uint32_t>(records_.size() + 1);
+    const std::uint32_t folder = spellings_[run.spelling].folder;
+    if (!loaded.empty() && loaded.back().folder == folder && loaded.back().stretch.end == run.begin) {
+      loaded.back().stretch.end = end;
+    } else {
+      loaded.push_back(FolderStretch{folder, Stretch{run.begin, end}});
+    }
+  }
+  // Grouped by folder (a counting sort keeps file order).
   std::vector<std::uint32_t> counts(folders_.size() + 1, 0);
-  for (const FolderStretch& s : loaded_stretches_) ++counts[s.folder + 1];
+  for (const FolderStretch& s : loaded) ++counts[s.folder + 1];
   for (std::size_t f = 0; f < folders_.size(); ++f) {
     counts[f + 1] += counts[f];
     folders_[f].direct_begin = folders_[f].direct_end = counts[f];
   }
   direct_stretches_.assign(counts.back(), Stretch{});
-  for (const FolderStretch& s : loaded_stretches_) {
+  for (const FolderStretch& s : loaded) {
     Folder& folder = folders_[s.folder];
     direct_stretches_[folder.direct_end++] = s.stretch;
     folder.min = std::min(folder.min, s.stretch.begin);
     folder.max = std::max(folder.max, s.stretch.end - 1);
     folder.count += s.stretch.end - s.stretch.begin;
   }
-  std::vector<FolderStretch>().swap(loaded_stretches_);  // only loading needs them
   // Parents come before their children, so one backward pass sums subtrees.
   for (std::size_t f = folders_.size(); f-- > 0;) {
     const Folder& folder = folders_[f];
@@ -605,29 +877,43 @@ void RemoteListing::Finish() {
     parent.max = std::max(parent.max, folder.max);
     parent.count += folder.count;
   }
+  // Only loading needs these.
+  std::vector<std::uint32_t>().swap(spelling_slots_.ids);
+  spelling_slots_.used = 0;
+  std::u16string().swap(previous_prefix_);
+  std::vector<std::uint32_t>().swap(prefix_chain_);
   finished_ = true;
 }
 
 std::size_t RemoteListing::MemoryBytes() const {
-  std::size_t bytes = text_.capacity() + offsets_.capacity() * 4 + direct_stretches_.capacity() * sizeof(Stretch) +
-                      folders_.capacity() * sizeof(Folder);
-  bytes += folder_slots_.capacity() * 4;
+  // Records and names by size: what their reservation holds beyond is never touched.
+  std::size_t bytes = records_.size() * sizeof(EntryRecord) + names_.size() + modes_.MemoryBytes();
+  bytes += spellings_.capacity() * sizeof(Spelling) + spelling_text_.capacity() +
+           spelling_slots_.ids.capacity() * 4 + spelling_runs_.capacity() * sizeof(SpellingRun);
+  bytes += folders_.capacity() * sizeof(Folder) + folded_text_.capacity() + folder_slots_.ids.capacity() * 4 +
+           direct_stretches_.capacity() * sizeof(Stretch);
   for (const Run& run : runs_) bytes += sizeof(Run) + run.check.capacity() * 4 + run.key.capacity();
   return bytes;
 }
 
 // ---- lookups -----------------------------------------------------------------
 
-const clsTavrinETree* RemoteListing::NodeFor(std::wstring_view folder) const {
+std::size_t RemoteListing::RunFor(std::wstring_view folder) const {
   std::size_t slash = folder.find(L'\\');
   std::wstring_view head = folder;
   if (slash != folder.npos) head = folder.substr(0, machine_mode() ? slash : slash + 1);
   auto found = run_by_name_.find(FoldedUtf8(head));
-  return found == run_by_name_.end() ? nullptr : runs_[found->second].node;
+  return found == run_by_name_.end() ? kNoRun : found->second;
 }
 
-bool RemoteListing::LineContains(std::uint32_t position, std::string_view query) const {
-  return FoldedFind(EntryBytes(static_cast<std::int32_t>(position)), query) != std::string_view::npos;
+const clsTavrinETree* RemoteListing::NodeFor(std::wstring_view folder) const {
+  const std::size_t run = RunFor(folder);
+  return run == kNoRun ? nullptr : runs_[run].node;
+}
+
+bool RemoteListing::LineContains(std::uint32_t position, EnumCursor& cursor) const {
+  EntryUtf8(static_cast<std::int32_t>(position), cursor.line);
+  return FoldedFind(cursor.line, cursor.query) != std::string_view::npos;
 }
 
 void RemoteListing::CollectSubtree(std::uint32_t folder, std::vector<std::uint32_t>& out) const {
@@ -646,7 +932,7 @@ void RemoteListing::PlanIndexed(const Run& run, EnumCursor& cursor) const {
   const auto last = static_cast<std::uint32_t>(run.node->last_entry_);
   const std::string& q = cursor.query;
   const std::size_t split = q.rfind('\\') + 1;
-  const std::string folder_key = q.substr(0, split);
+  const std::string_view folder_key = std::string_view(q).substr(0, split);
   const std::string_view tail = std::string_view(q).substr(split);
   cursor.kind = EnumCursor::Kind::kIndexed;
   cursor.check = run.check.data();
@@ -655,7 +941,7 @@ void RemoteListing::PlanIndexed(const Run& run, EnumCursor& cursor) const {
   cursor.last = 0;  // empty interval
   cursor.sure_is_list = false;
 
-  const std::uint32_t found = FindFolder(folder_key, HashFolded(folder_key));
+  const std::uint32_t found = FindFolder(folder_key);
   if (found == kNone) return;
   const Folder& folder = folders_[found];
   auto contiguous = [](const Folder& f) { return f.count > 0 && f.max - f.min + 1 == f.count; };
@@ -670,10 +956,10 @@ void RemoteListing::PlanIndexed(const Run& run, EnumCursor& cursor) const {
   } else {
     for (std::uint32_t k = folder.direct_begin; k < folder.direct_end; ++k) {
       for (std::uint32_t p = direct_stretches_[k].begin; p < direct_stretches_[k].end; ++p)
-        if (FoldedStartsWith(EntryBytes(static_cast<std::int32_t>(p)), split, tail)) list.push_back(p);
+        if (FoldedStartsWith(NameOf(p), 0, tail)) list.push_back(p);
     }
     for (std::uint32_t c = folder.first_child; c != kNone; c = folders_[c].next_sibling) {
-      if (FoldedStartsWith(FolderPath(folders_[c]), split, tail)) CollectSubtree(c, list);
+      if (FolderName(folders_[c]).substr(0, tail.size()) == tail) CollectSubtree(c, list);
     }
   }
   std::sort(list.begin(), list.end());
@@ -683,14 +969,34 @@ void RemoteListing::PlanIndexed(const Run& run, EnumCursor& cursor) const {
   cursor.sure_is_list = true;
 }
 
+namespace {
+
+// A fresh cursor that keeps its buffers, so that a walk of many folders does
+// not allocate for each.
+void Restart(EnumCursor& cursor) {
+  EnumCursor fresh;
+  fresh.sure_list.swap(cursor.sure_list);
+  fresh.spelling_path.swap(cursor.spelling_path);
+  fresh.name_head.swap(cursor.name_head);
+  fresh.line.swap(cursor.line);
+  fresh.folder.swap(cursor.folder);
+  fresh.query.swap(cursor.query);
+  fresh.sure_list.clear();
+  fresh.spelling_path.clear();
+  cursor = std::move(fresh);
+}
+
+}  // namespace
+
 bool RemoteListing::Plan(std::wstring_view folder, EnumCursor& cursor) const {
-  cursor = EnumCursor{};
-  const clsTavrinETree* node = finished_ ? NodeFor(folder) : nullptr;
-  if (!node) return false;
-  const Run& run = runs_[run_by_name_.at(FoldedUtf8(node->name_))];
+  Restart(cursor);
+  const std::size_t run_index = finished_ ? RunFor(folder) : kNoRun;
+  if (run_index == kNoRun) return false;
+  const Run& run = runs_[run_index];
+  const clsTavrinETree* node = run.node;
   cursor.node = node;
   cursor.folder.assign(folder);
-  cursor.query = FoldedUtf8(folder);
+  AssignFoldedUtf8(cursor.query, folder);
   const std::string& q = cursor.query;
   if (run.has_key && q.find('/') == std::string::npos && q.compare(0, run.key.size(), run.key) == 0) {
     PlanIndexed(run, cursor);
@@ -748,7 +1054,7 @@ std::int32_t RemoteListing::Advance(EnumCursor& cursor, FindData& data) const {
   if (cursor.kind == EnumCursor::Kind::kScan) {
     while (cursor.next <= cursor.last) {
       std::uint32_t position = cursor.next++;
-      if (LineContains(position, cursor.query)) {
+      if (LineContains(position, cursor)) {
         found = position;
         break;
       }
@@ -775,7 +1081,7 @@ std::int32_t RemoteListing::Advance(EnumCursor& cursor, FindData& data) const {
         break;
       }
       ++cursor.check;
-      if (LineContains(candidate, cursor.query)) {
+      if (LineContains(candidate, cursor)) {
         found = candidate;
         break;
       }
@@ -787,7 +1093,7 @@ std::int32_t RemoteListing::Advance(EnumCursor& cursor, FindData& data) const {
     return -1;
   }
   cursor.last_found = found;
-  Fill(found, cursor.query, at_start, data);
+  Fill(found, cursor, at_start, data);
   return static_cast<std::int32_t>(found);
 }
 

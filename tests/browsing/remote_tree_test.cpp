@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <cwchar>
 #include <random>
 #include <string>
 #include <utility>
@@ -137,6 +139,11 @@ struct Found {
   bool operator==(const Found&) const = default;
 };
 
+void PrintTo(const Found& f, std::ostream* out) {
+  *out << "{" << f.position << " name size " << f.name.size() << " size " << f.size << " version " << f.version
+       << " time " << f.high << ":" << f.low << " mode size " << f.mode.size() << "}";
+}
+
 Found Of(std::int32_t p, const FindData& data) {
   return {p, data.cFilename, data.nFileSize, data.nVersion, data.ftLastWriteTime.dwLowDateTime,
           data.ftLastWriteTime.dwHighDateTime, data.strUnimode};
@@ -223,6 +230,23 @@ TEST(CaseFold, LettersAsTheSystemLowerCasesThem) {
   }
 }
 
+// The plain scan's fold is the reference the index is compared with, so the
+// two must agree on every code, and on ASCII both must be the C library's.
+TEST(CaseFold, EveryCodeFoldsAsThePlainScanAndAsciiAsTheCLibrary) {
+  for (char32_t c = 0; c < 0x80; ++c) {
+    EXPECT_EQ(FoldCase(c), static_cast<char32_t>(std::tolower(static_cast<int>(c)))) << static_cast<unsigned>(c);
+    EXPECT_EQ(UpperCase(c), static_cast<char32_t>(std::toupper(static_cast<int>(c)))) << static_cast<unsigned>(c);
+  }
+  int differences = 0;
+  for (char32_t c = 0; c < 0x2100 && differences < 10; ++c) {
+    if (FoldCase(c) == PlainFoldCase(c)) continue;
+    ++differences;
+    ADD_FAILURE() << std::hex << static_cast<unsigned>(c) << " folds to " << static_cast<unsigned>(FoldCase(c))
+                  << ", the plain scan to " << static_cast<unsigned>(PlainFoldCase(c));
+  }
+  for (char32_t c : {0x10400u, 0x1F600u, 0xFF21u}) EXPECT_EQ(FoldCase(c), c);
+}
+
 TEST(ListingFind, AnswersOfTheRun) {
   const std::wstring text =
       L"C:\\Docs\\a.txt/2/100/01-31-2011 13:05:09/U\r\n"
@@ -286,6 +310,119 @@ std::wstring OddListing(std::mt19937& rng, std::vector<std::wstring>& folders) {
     text += line + (pick(rng) < 50 ? L"\r\n" : L"\n");
   }
   return text;
+}
+
+// Lines are kept in pieces (folder, name, packed fields); each comes back as
+// it was loaded, whatever its shape.
+TEST(ListingLoad, EveryLineComesBackAsLoaded) {
+  const std::wstring shapes[] = {
+      L"C:\\D\\a.txt/1/10/01-01-1970 00:00:00/U",    // first second that packs
+      L"C:\\D\\b.txt/1/10/12-31-1969 23:59:59/U",    // the one before
+      L"C:\\D\\c.txt/65535/549755813887/02-07-2106 06:28:15/A",  // the largest that pack
+      L"C:\\D\\d.txt/65536/549755813888/02-07-2106 06:28:16/A",  // one more each
+      L"C:\\D\\e.txt/01/010/01-31-2011 13:05:09/U",  // leading zeros
+      L"C:\\D\\f.txt/0/0/02-29-2000 12:00:00/0/U",  // a flag field kept
+      L"C:\\D\\g.txt/0/0/02-29-2000 12:00:00/2/U",
+      L"C:\\D\\h.txt/1/2/1-31-2011 13:5:9/U",
+      L"C:\\D\\i.txt/1/2/01-31-2011 13:05:09/",      // empty mode
+      L"C:\\D\\j.txt/1/2/01-31-2011 13:05:09/U/",
+      L"C:\\D\\k.txt/+1/ 2/01-31-2011 13:05:09/U",
+      L"C:\\D\\l.txt/1/2/01-31-2011 13:05:09",
+      L"C:\\D\\m.txt", L"C:\\D\\", L"C:\\\\D\\n.txt/1/1/x/U", L"noslash/1/1/x/U",
+      L"C:\\d\\o.txt/1/2/01-31-2011 13:05:09/Möde",  // the folder in another case
+      L"C:\\Фото\\ÿ\xD800.txt/1/2/01-31-2011 13:05:09/Ω",
+  };
+  std::wstring text;
+  for (const std::wstring& line : shapes) text += line + L"\r\n";
+  // More distinct modes than the table holds.
+  for (int k = 0; k < 300; ++k) text += L"C:\\E\\" + std::to_wstring(k) + L"/1/2/01-31-2011 13:05:09/M" + std::to_wstring(k) + L"\r\n";
+  auto loaded = Load(text);
+  ASSERT_EQ(loaded->listing.count(), static_cast<std::int32_t>(std::size(shapes)) + 300);
+  for (std::size_t i = 0; i < std::size(shapes); ++i)
+    EXPECT_EQ(loaded->listing.Entry(static_cast<std::int32_t>(i) + 1), shapes[i]) << i;
+  const std::vector<Found> found = Walk(loaded->listing, L"C:\\E\\");
+  ASSERT_EQ(found.size(), 300u);
+  EXPECT_EQ(found[299].mode, L"M299");
+  EXPECT_EQ(found[299].name, L"299");
+
+  // Dates across the packed range, each as the plain scan reads it; names in
+  // every ASCII letter, asked for in both cases.
+  std::mt19937 dates(99);
+  std::wstring more;
+  for (int k = 0; k < 400; ++k) {
+    const unsigned year = 1965 + dates() % 150, month = 1 + dates() % 12, day = 1 + dates() % 28;
+    const unsigned seconds = dates() % 86400;
+    wchar_t date[32];
+    std::swprintf(date, 32, L"%02u-%02u-%04u %02u:%02u:%02u", month, k % 50 == 0 && month == 2 ? 29 : day, year,
+                  seconds / 3600, seconds / 60 % 60, seconds % 60);
+    const wchar_t letter = static_cast<wchar_t>(L'A' + k % 26);
+    more += L"C:\\" + std::wstring(1, letter) + L"one\\f" + std::to_wstring(k) + L"/1/" + std::to_wstring(k) +
+            L"/" + date + L"/U\r\n";
+  }
+  auto dated = Load(more);
+  LinearScanListing plain_dated;
+  plain_dated.LoadFile(platform::FromFsPath(dated->temp.path() / "Backupfile.txt"), L"");
+  for (std::int32_t i = 1; i <= dated->listing.count(); ++i)
+    ASSERT_EQ(dated->listing.Entry(i), plain_dated.entry(static_cast<std::size_t>(i))) << i;
+  for (wchar_t letter = L'A'; letter <= L'Z'; ++letter) {
+    for (const std::wstring& folder : {L"c:\\" + std::wstring(1, letter) + L"ONE\\",
+                                       L"C:\\" + std::wstring(1, static_cast<wchar_t>(letter + 32)) + L"one\\"}) {
+      const std::vector<Found> indexed = Walk(dated->listing, folder);
+      EXPECT_FALSE(indexed.empty()) << static_cast<char>(letter);
+      EXPECT_EQ(indexed, Walk(plain_dated, folder)) << static_cast<char>(letter);
+    }
+  }
+
+  // And the odd listings of the comparison below, beside the plain load.
+  std::mt19937 rng(777);
+  for (int round = 0; round < 30; ++round) {
+    std::vector<std::wstring> folders;
+    const std::wstring machine = round % 3 == 2 ? L"PC" + std::to_wstring(round) : L"";
+    auto odd = Load(OddListing(rng, folders), machine);
+    LinearScanListing plain;
+    plain.LoadFile(platform::FromFsPath(odd->temp.path() / "Backupfile.txt"), machine);
+    ASSERT_EQ(plain.size(), static_cast<std::size_t>(odd->listing.count())) << round;
+    for (std::size_t i = 1; i <= plain.size(); ++i)
+      ASSERT_EQ(odd->listing.Entry(static_cast<std::int32_t>(i)), plain.entry(i)) << round << " " << i;
+  }
+}
+
+// Which lines the index must check as text is decided per folder; these
+// listings put the first-level key where that shortcut does not hold.
+TEST(ListingFind, KeysInOddPlacesAnswerAsThePlainScan) {
+  const struct Case {
+    const char* what;
+    std::wstring text;
+    std::wstring machine;
+    std::vector<std::wstring> queries;
+  } cases[] = {
+      {"key with a slash", L"x/1/2/01-31-2011 13:05:09/c:\\y\r\nx/1/2/01-31-2011 13:05:09/c:\\z\r\n"
+                           L"x/1/2/01-31-2011 13:05:09/c:\\y\\x/1/2/01-31-2011 13:05:09/c:\\\r\n",
+       L"", {L"x/1/2/01-31-2011 13:05:09/c:\\", L"X/1/2/01-31-2011 13:05:09/C:\\y", L"x/1/", L"c:\\"}},
+      {"key again in a packed mode", L"C:\\a\\b/1/2/01-31-2011 13:05:09/U\r\nC:\\a\\c/1/2/01-31-2011 13:05:09/c:\\a\\\r\n"
+                                     L"C:\\a\\d/1/2/01-31-2011 13:05:09/U\r\n",
+       L"", {L"c:\\a\\", L"C:\\A\\c", L"c:\\", L"c:\\a\\b"}},
+      {"key again in fields kept as text", L"C:\\a\\b/01/2/x/c:\\a\\q\r\nC:\\a\\c/1/2/01-31-2011 13:05:09/U\r\n",
+       L"", {L"c:\\a\\", L"c:\\a\\q", L"c:\\"}},
+      {"key again inside the folder part", L"C:\\a\\c:\\b/1/2/01-31-2011 13:05:09/U\r\nC:\\x\\b/1/2/01-31-2011 13:05:09/U\r\n",
+       L"", {L"c:\\", L"c:\\b", L"C:\\A\\", L"c:\\c:\\", L"c:\\a\\c:\\"}},
+      {"line without a folder", L"C:\\a/1/2/01-31-2011 13:05:09/U\r\nc/1/2/01-31-2011 13:05:09/x\\c:\\\r\n",
+       L"", {L"c:\\", L"C:\\a", L"c"}},
+      {"several computers", L"C:\\a\\b/1/2/01-31-2011 13:05:09/pc\\c\r\nC:\\pc\\c/1/2/01-31-2011 13:05:09/U\r\n",
+       L"PC", {L"pc\\c:\\", L"PC\\C:\\A\\", L"pc\\c", L"pc", L"pc\\"}},
+  };
+  for (const Case& c : cases) {
+    auto loaded = Load(c.text, c.machine);
+    LinearScanListing plain;
+    plain.LoadFile(platform::FromFsPath(loaded->temp.path() / "Backupfile.txt"), c.machine);
+    int answered = 0;
+    for (const std::wstring& query : c.queries) {
+      const std::vector<Found> expected = Walk(plain, query);
+      answered += !expected.empty();
+      EXPECT_EQ(Walk(loaded->listing, query), expected) << c.what << " " << query.size();
+    }
+    EXPECT_GE(answered, 2) << c.what;
+  }
 }
 
 TEST(ListingFind, IndexAnswersAsThePlainScan) {
