@@ -27,7 +27,8 @@ if [[ -n ${TAVRINE_WINE_PREFIX_SLOT:-} ]]; then
   export WINEPREFIX="${WINEPREFIX:-$HOME/.wine}-$TAVRINE_WINE_PREFIX_SLOT"
   if [[ ! -f $WINEPREFIX/system.reg ]]; then
     mkdir -p "$WINEPREFIX"
-    flock "$WINEPREFIX/.making" bash -c '[[ -f $WINEPREFIX/system.reg ]] || wineboot -i' >/dev/null 2>&1
+    flock "$WINEPREFIX/.making" bash -c '[[ -f $WINEPREFIX/system.reg ]] || wineboot -i' \
+      >/dev/null 2>&1
   fi
 fi
 
@@ -59,13 +60,14 @@ scratch=$(mktemp -d)
 script=$scratch/commands
 trap 'rm -rf "$scratch"' EXIT
 
-echo "=== HANG: ${names[*]} still running after $limit s; the stacks follow, then it is killed ===" >&2
+echo "=== HANG: ${names[*]} still running after $limit s; its stacks, then it is killed ===" >&2
 
 # The programs' Wine pids and those of the processes below them in the tree.
 pids=$(winedbg_run --command "info proc" | awk -v names="${names[*]}" '
   BEGIN { n = split(names, list, " "); for (i = 1; i <= n; ++i) wanted[list[i]] = 1 }
   { pid = $1; sub(/^=/, "", pid)
-    exe = $0; sub(/^[^\047]*\047/, "", exe); sub(/\047.*$/, "", exe); exe = tolower(exe); sub(/\.exe$/, "", exe)
+    exe = $0; sub(/^[^\047]*\047/, "", exe); sub(/\047.*$/, "", exe)
+    exe = tolower(exe); sub(/\.exe$/, "", exe)
     depth = index($0, "\\_") }
   found && depth > found_depth { print pid; next }
   { found = 0 }
@@ -86,12 +88,15 @@ symbolise() {
       if [[ -n $file ]]; then
         symbols="$scratch/$module.symbols"
         if [[ ! -f $symbols ]]; then
-          x86_64-w64-mingw32-objdump -p "$file" 2>/dev/null | awk '$1 == "ImageBase" { print $2 }' >"$scratch/$module.base"
+          x86_64-w64-mingw32-objdump -p "$file" 2>/dev/null |
+            awk '$1 == "ImageBase" { print $2 }' >"$scratch/$module.base"
           x86_64-w64-mingw32-nm -C -n --defined-only "$file" >"$symbols" 2>/dev/null
         fi
         base=$(<"$scratch/$module.base")
         address=$(printf '%016x' $((0x${base:-0} + 0x$offset)))
-        symbol=$(awk -v a="$address" '$1 "" > a "" { exit } { s = $0 } END { sub(/^[0-9a-f]+ [A-Za-z] /, "", s); print s }' "$symbols")
+        # nm -n lists by address as 16 hex digits, so text order is address order.
+        symbol=$(awk -v a="$address" '$1 "" > a "" { exit } { s = $0 }
+                   END { sub(/^[0-9a-f]+ [A-Za-z] /, "", s); print s }' "$symbols")
         [[ -n $symbol ]] && line="$line  <$symbol>"
       fi
     fi
