@@ -34,7 +34,7 @@ for tree in ${TAVRINE_STRESS_TREES:-win64 linux}; do
   for test in "${tests[@]}"; do
     failures=0 hangs=0 start=$SECONDS
     for ((run = 1; run <= RUNS; ++run)); do
-      log="$LOGS/$tree-$test-$run.log"
+      log="$LOGS/$tree-$test-$run-$$.log"  # the pid: two stress runs may share the folder
       # Windows programs run without a display, as in scripts/test.sh; the
       # window tests start their own.
       if [[ $tree == linux* ]]; then
