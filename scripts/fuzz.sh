@@ -16,13 +16,14 @@ say() { printf '==> %s\n' "$*"; }
 
 source "$ROOT/scripts/lib/packages.sh"
 tavrine_install_packages clang libclang-rt-14-dev || exit 1
+source "$ROOT/scripts/lib/ccache.sh"
 
 GENERATOR=()
 command -v ninja >/dev/null && GENERATOR=(-G Ninja)
 mkdir -p "$BUILD/logs"
 flags="-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer -g -O1"
 say "building the fuzz targets"
-if ! cmake -S "$ROOT" -B "$BUILD" "${GENERATOR[@]}" -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+if ! cmake -S "$ROOT" -B "$BUILD" "${GENERATOR[@]}" "${TAVRINE_LAUNCHER[@]}" -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
      -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_C_FLAGS="$flags" \
      -DCMAKE_EXE_LINKER_FLAGS="-fsanitize=address,undefined" \
      -DTAVRINE_FUZZ=ON -DTAVRINE_BUILD_TESTS=OFF >"$BUILD/logs/configure.log" 2>&1 ||

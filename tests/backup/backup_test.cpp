@@ -174,11 +174,14 @@ TEST_F(ManualBackup, UploadThatCannotStartOrIsCancelledLeavesNoUploadRecorded) {
     fs::remove(Folder() / "cancel.txt");
   }
   {
-    SCOPED_TRACE("engine missing");
-    fs::remove(install_.path() / "TavrinEClsClient.exe");
+    SCOPED_TRACE("upload engine gone after the compare");
+    install_.SetScenario(EmptyListing());
+    testing::WriteCompareScenario(install_.path(), "result 1\n");
+    testing::WriteFileBytes(Folder() / "InputList.txt", "C:\\x.txt\r\n");
     CBackup backup;
-    backup.DisableScheduleBackup(L"alice");
-    backup.W_BackupInit(0, folder_);  // no listing either: the engine is gone
+    ASSERT_EQ(backup.W_BackupInit(0, folder_), 1);
+    ASSERT_TRUE(fs::exists(ScheduleFile("schedulerStatus.txt")));  // paused for the upload
+    fs::remove(install_.path() / "TavrinEClsClient.exe");
     std::int32_t completed = 0;
     EXPECT_EQ(backup.W_DoBackup(completed), -1);
     ExpectScheduleResumed();

@@ -3,7 +3,6 @@
 // them apart.
 #include <gtest/gtest.h>
 
-#include <barrier>
 #include <string>
 #include <thread>
 #include <vector>
@@ -18,6 +17,7 @@
 #include "support/install_folder.h"
 #include "support/recording_ui.h"
 #include "support/temp_folder.h"
+#include "support/thread_latch.h"
 
 namespace tavrine::testing {
 namespace {
@@ -29,7 +29,7 @@ struct Walker {
   int files = 0;
   std::vector<std::wstring> failures;
 
-  void Run(std::barrier<>& together, int rounds) {
+  void Run(ThreadLatch& together, int rounds) {
     const std::wstring installation = L"TavrinETest" + user;
     // An installation of its own: on Windows the profile of an installation
     // is one registry key, shared by every thread of the process.
@@ -49,7 +49,7 @@ struct Walker {
     WriteFileBytes(install.path() / platform::ToFsPath(installation + user) / "Backupfile.txt",
                    Utf16LeFile(text));
 
-    together.arrive_and_wait();
+    if (!together.ArriveAndWait()) failures.push_back(L"the other thread never started");
     for (int round = 0; round < rounds; ++round) {
       browsing::TavrinEenum enumeration;
       if (enumeration.TavrinEInit() != 1) failures.push_back(L"init failed");
@@ -69,7 +69,7 @@ struct Walker {
 
 TEST(Threads, TwoSessionsAtOnceKeepTheirOwnState) {
   Walker anna{L"anna", 3, {}}, bert{L"bert", 7, {}};
-  std::barrier together(2);
+  ThreadLatch together(2);
   std::thread a([&] { anna.Run(together, 5); });
   std::thread b([&] { bert.Run(together, 5); });
   a.join();

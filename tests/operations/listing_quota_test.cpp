@@ -6,6 +6,7 @@
 #include "foundation/settings.h"
 #include "operations/cls_api_interface.h"
 #include "operations/last_quota.h"
+#include "operations/shared_texts.h"
 #include "operations/ui_commands.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
@@ -39,6 +40,26 @@ TEST_F(Listing, TenTransientAnswersEndWithTheConnectionFailureBox) {
   ASSERT_EQ(ui_.boxes().size(), 1u);
   EXPECT_EQ(ui_.boxes()[0].text, L"Unable to connect to the server. Try later.");
   EXPECT_EQ(ui_.boxes()[0].title, L"TavrinE Online Backup failure");
+}
+
+// Every transient answer is tried again after a pause of a second; when it
+// is the last answer, the box is the connection-failure one, never the code's own.
+TEST_F(Listing, EveryTransientAnswerIsRetriedAfterASecond) {
+  for (int code : {-416, -404, -417, -403, -508, -507, -506, -401, -405, -12008, -12009, -12010}) {
+    SCOPED_TRACE(code);
+    install_.Restart(
+        EngineScenario().On(115).Info(code).Then().Output(0).WithFile("Backupfile.txt", "x"));
+    clock_.ClearPauses();
+    EXPECT_EQ(clsAPI_Interface().API_REMOTE(CallerFolder(L"retry " + std::to_wstring(-code))), 402);
+    EXPECT_EQ(install_.Codes(), (std::vector<int>{115, 115}));
+    EXPECT_EQ(clock_.CountPauses(1000), 1u);
+    ShowListingFailure(code);
+  }
+  ASSERT_EQ(ui_.boxes().size(), 12u);
+  for (const auto& box : ui_.boxes()) {
+    EXPECT_EQ(box.text, L"Unable to connect to the server. Try later.");
+    EXPECT_EQ(box.title, L"TavrinE Online Backup failure");
+  }
 }
 
 TEST_F(Listing, UnregisteredMachineReturns401UnlessRenewalIsPermitted) {
