@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "browsing/unit_scan.h"
+
 namespace tavrine::browsing {
 
 namespace {
@@ -188,27 +190,6 @@ std::size_t CopyAsciiRun(const unsigned char* in, std::size_t size, wchar_t* out
   return i;
 }
 
-// Four units below 0x100 in one word, as four bytes (little-endian lanes).
-std::uint32_t NarrowFour(std::uint64_t word) {
-  return static_cast<std::uint32_t>((word & 0xFF) | ((word >> 8) & 0xFF00) | ((word >> 16) & 0xFF0000) |
-                                    ((word >> 24) & 0xFF000000));
-}
-
-std::size_t CopyAsciiRun(const char16_t* in, std::size_t size, char* out) {
-  std::size_t i = 0;
-  if constexpr (std::endian::native == std::endian::little) {
-    for (; i + 8 <= size; i += 8) {
-      std::uint64_t words[2];
-      std::memcpy(words, in + i, 16);
-      if ((words[0] | words[1]) & 0xFF80FF80FF80FF80ULL) break;  // the mask is the same in every lane
-      const std::uint32_t bytes[2] = {NarrowFour(words[0]), NarrowFour(words[1])};
-      std::memcpy(out + i, bytes, 8);
-    }
-  }
-  for (; i < size && in[i] < 0x80; ++i) out[i] = static_cast<char>(in[i]);
-  return i;
-}
-
 // The decoding of AssignWide; with kStops it ends at the first `stop` byte
 // and returns its offset (or the size).
 template <bool kStops>
@@ -257,7 +238,7 @@ std::size_t AssignWideUntil(std::wstring& out, std::string_view bytes, char stop
 std::size_t EncodeUtf8(std::u16string_view units, char* out) {
   std::size_t i = 0, n = 0;
   while (i < units.size()) {
-    const std::size_t run = CopyAsciiRun(units.data() + i, units.size() - i, out + n);
+    const std::size_t run = CopyAsciiUnits(units.data() + i, units.size() - i, out + n);
     i += run;
     n += run;
     // Two-byte forms come as words: encoded here in one go.

@@ -8,6 +8,7 @@
 
 #include "browsing/case_fold.h"
 #include "browsing/file_time.h"
+#include "browsing/unit_scan.h"
 #include "foundation/trace_log.h"
 #include "platform/path.h"
 #include "platform/services.h"
@@ -256,24 +257,9 @@ void RemoteListing::FillFromPacked(std::uint32_t position, EnumCursor& cursor, F
 
 namespace {
 
-// Index of the first unit at or after `at` that ends a line (CR or LF), or the
-// size. Both are below 14, so blocks of eight are ruled out with one compare
-// per unit.
+// Index of the first unit at or after `at` that ends a line (CR or LF), or the size.
 std::size_t FindLineEnd(std::u16string_view text, std::size_t at) {
-  const char16_t* units = text.data();
-  std::size_t i = at;
-  constexpr std::uint64_t kLanes = 0x0001000100010001ULL, kHigh = kLanes * 0x8000;
-  for (; i + 8 <= text.size(); i += 8) {
-    std::uint64_t words[2];
-    std::memcpy(words, units + i, 16);
-    // High bit of a lane set when the unit is below 14 (or, harmlessly, above 0x800D).
-    const std::uint64_t low = ((words[0] - kLanes * 14) | (words[1] - kLanes * 14)) & kHigh;
-    if (low) break;
-  }
-  for (; i < text.size(); ++i) {
-    if (units[i] == u'\r' || units[i] == u'\n') return i;
-  }
-  return text.size();
+  return FindEitherUnit(text.data(), at, text.size(), u'\r', u'\n');
 }
 
 // The lines of a UTF-16LE stream, read piece by piece so that a large listing
@@ -370,20 +356,9 @@ void FoldBytes(std::string_view bytes, std::string& out) {
 
 namespace {
 
-// The first `unit` at or after `from`, or the size; four units a step.
+// The first `unit` at or after `from`, or the size.
 std::size_t FindUnit(std::u16string_view text, std::size_t from, char16_t unit) {
-  constexpr std::uint64_t kLanes = 0x0001000100010001ULL, kHigh = kLanes * 0x8000;
-  std::size_t i = from;
-  if constexpr (std::endian::native == std::endian::little) {
-    for (; i + 4 <= text.size(); i += 4) {
-      std::uint64_t word;
-      std::memcpy(&word, text.data() + i, 8);
-      const std::uint64_t x = word ^ (kLanes * unit);
-      if ((x - kLanes) & ~x & kHigh) break;  // some lane is zero
-    }
-  }
-  while (i < text.size() && text[i] != unit) ++i;
-  return i;
+  return FindEitherUnit(text.data(), from, text.size(), unit, unit);
 }
 
 }  // namespace
@@ -494,18 +469,7 @@ namespace {
 
 // The first of two units at or after `from`, or the size.
 std::size_t FindEither(std::u16string_view text, std::size_t from, char16_t one, char16_t other) {
-  constexpr std::uint64_t kLanes = 0x0001000100010001ULL, kHigh = kLanes * 0x8000;
-  std::size_t i = from;
-  if constexpr (std::endian::native == std::endian::little) {
-    for (; i + 4 <= text.size(); i += 4) {
-      std::uint64_t word;
-      std::memcpy(&word, text.data() + i, 8);
-      const std::uint64_t x = word ^ (kLanes * one), y = word ^ (kLanes * other);
-      if (((x - kLanes) & ~x & kHigh) | ((y - kLanes) & ~y & kHigh)) break;
-    }
-  }
-  while (i < text.size() && text[i] != one && text[i] != other) ++i;
-  return i;
+  return FindEitherUnit(text.data(), from, text.size(), one, other);
 }
 
 // Unit by unit: folding leaves surrogates alone, and a backslash is never
