@@ -10,6 +10,7 @@
 #include "browsing/file_time.h"
 #include "browsing/unit_scan.h"
 #include "foundation/trace_log.h"
+#include "platform/file_mapping.h"
 #include "platform/path.h"
 #include "platform/services.h"
 
@@ -567,26 +568,48 @@ void RemoteListing::ReserveForFile(std::size_t file_units, std::size_t units_per
   names_.reserve(names_.size() + more * (names_per_line + 1));
 }
 
-bool RemoteListing::AddFile(const std::wstring& path, const std::wstring& machine) {
-  std::ifstream in(platform::ToFsPath(path), std::ios::binary);
-  if (!in) return false;
-  in.seekg(0, std::ios::end);
-  std::streamoff size = in.tellg();
-  if (size < 0) return false;
-  in.seekg(0, std::ios::beg);
-  const std::size_t units = static_cast<std::size_t>(size) / 2;
+bool RemoteListing::AddFile(const std::wstring& path, const std::wstring& machine, FileRead read) {
+  platform::FileMapping mapping;
+  const bool mapped = read == FileRead::kMapped && std::endian::native == std::endian::little && mapping.Open(path);
+  std::ifstream in;
+  std::size_t units = mapping.size() / 2;
+  if (!mapped) {
+    in.open(platform::ToFsPath(path), std::ios::binary);
+    if (!in) return false;
+    in.seekg(0, std::ios::end);
+    std::streamoff size = in.tellg();
+    if (size < 0) return false;
+    in.seekg(0, std::ios::beg);
+    units = static_cast<std::size_t>(size) / 2;
+  }
   BeginFile(machine);
-  Utf16Lines lines(in);
-  std::u16string_view line;
   std::size_t seen_lines = 0, seen_units = 0;
   const std::size_t names_before = names_.size();
-  while (lines.Next(line) && AddLine(line)) {
+  const auto add = [&](std::u16string_view line) {
+    if (!AddLine(line)) return false;
     seen_units += line.size() + 2;
     if (++seen_lines == kSampleLines)
       ReserveForFile(units, seen_units / seen_lines, (names_.size() - names_before) / seen_lines);
     // Pending window messages run between lines, though not after every one:
     // that would cost a large share of the load time of a long listing.
     if (seen_lines % kLinesPerMessagePump == 0) platform::CurrentUi().PumpMessages();
+    return true;
+  };
+  if (mapped) {
+    // The pages are the file's: lines are read where they lie.
+    const auto* text = reinterpret_cast<const char16_t*>(mapping.data());
+    std::size_t at = units > 0 && text[0] == 0xFEFF ? 1 : 0;
+    while (at < units) {
+      const std::size_t end = FindEitherUnit(text, at, units, u'\r', u'\n');
+      if (!add(std::u16string_view(text + at, end - at))) break;
+      at = end + 1;
+      if (at < units && text[end] == u'\r' && text[at] == u'\n') ++at;
+    }
+    return true;
+  }
+  Utf16Lines lines(in);
+  std::u16string_view line;
+  while (lines.Next(line) && add(line)) {
   }
   return true;
 }
