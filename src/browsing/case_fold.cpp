@@ -174,7 +174,7 @@ namespace {
 template <bool kStops>
 std::size_t CopyAsciiRun(const unsigned char* in, std::size_t size, wchar_t* out, unsigned char stop) {
   constexpr std::uint64_t kOnes = 0x0101010101010101ULL, kHigh = kOnes * 0x80;
-  std::size_t i = 0;
+  std::size_t i = WidenAsciiBlocks<kStops>(in, size, out, stop);
   for (; i + 8 <= size; i += 8) {
     std::uint64_t word;
     std::memcpy(&word, in + i, 8);

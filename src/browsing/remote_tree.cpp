@@ -566,6 +566,14 @@ void RemoteListing::ReserveForFile(std::size_t file_units, std::size_t units_per
   const std::size_t more = lines + lines / 16 + 1024;
   records_.reserve(records_.size() + more);
   names_.reserve(names_.size() + more * (names_per_line + 1));
+  // The folders' arrays by the share the first lines show, a quarter more:
+  // what is reserved and never used is never touched either.
+  const auto scaled = [&](std::size_t seen) { return seen + seen * more / kSampleLines * 5 / 4; };
+  spellings_.reserve(scaled(spellings_.size()));
+  spelling_text_.reserve(scaled(spelling_text_.size()));
+  spelling_runs_.reserve(scaled(spelling_runs_.size()));
+  folders_.reserve(scaled(folders_.size()));
+  folded_text_.reserve(scaled(folded_text_.size()));
 }
 
 bool RemoteListing::AddFile(const std::wstring& path, const std::wstring& machine, FileRead read) {

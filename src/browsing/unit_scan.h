@@ -60,6 +60,31 @@ inline std::size_t CopyAsciiUnits(const char16_t* in, std::size_t size, char* ou
   for (; i < size && in[i] < 0x80; ++i) out[i] = static_cast<char>(in[i]);
   return i;
 }
+// Widens ASCII bytes sixteen at a time while a whole block is ASCII (and,
+// with kStops, holds no `stop`); returns how many. The caller goes on from there.
+template <bool kStops>
+std::size_t WidenAsciiBlocks(const unsigned char* in, std::size_t size, wchar_t* out, unsigned char stop) {
+  const __m128i zero = _mm_setzero_si128(), stops = _mm_set1_epi8(static_cast<char>(stop));
+  std::size_t i = 0;
+  for (; i + 16 <= size; i += 16) {
+    const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i));
+    int ends = _mm_movemask_epi8(x);
+    if constexpr (kStops) ends |= _mm_movemask_epi8(_mm_cmpeq_epi8(x, stops));
+    if (ends != 0) break;
+    const __m128i low = _mm_unpacklo_epi8(x, zero), high = _mm_unpackhi_epi8(x, zero);
+    auto* to = reinterpret_cast<__m128i*>(out + i);
+    if constexpr (sizeof(wchar_t) == 2) {
+      _mm_storeu_si128(to, low);
+      _mm_storeu_si128(to + 1, high);
+    } else {
+      _mm_storeu_si128(to, _mm_unpacklo_epi16(low, zero));
+      _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(low, zero));
+      _mm_storeu_si128(to + 2, _mm_unpacklo_epi16(high, zero));
+      _mm_storeu_si128(to + 3, _mm_unpackhi_epi16(high, zero));
+    }
+  }
+  return i;
+}
 #else
 inline constexpr bool kUnitScanVectors = false;
 
@@ -92,6 +117,10 @@ inline std::size_t CopyAsciiUnits(const char16_t* in, std::size_t size, char* ou
   }
   for (; i < size && in[i] < 0x80; ++i) out[i] = static_cast<char>(in[i]);
   return i;
+}
+template <bool kStops>
+std::size_t WidenAsciiBlocks(const unsigned char*, std::size_t, wchar_t*, unsigned char) {
+  return 0;
 }
 #endif
 
