@@ -57,22 +57,31 @@ inline std::size_t CopyAsciiUnits(const char16_t* in, std::size_t size, char* ou
     if (_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(x, high), _mm_setzero_si128())) != 0xFFFF) break;
     _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i), _mm_packus_epi16(x, x));
   }
+  // The last units as one block ending at the end, overlapping what is done.
+  // Only where no block stopped the loop: the one block then covers the rest.
+  if (i < size && i + 8 > size && size >= 8) {
+    const __m128i x = Load(in + size - 8);
+    if (_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(x, high), _mm_setzero_si128())) == 0xFFFF) {
+      _mm_storel_epi64(reinterpret_cast<__m128i*>(out + size - 8), _mm_packus_epi16(x, x));
+      return size;
+    }
+  }
   for (; i < size && in[i] < 0x80; ++i) out[i] = static_cast<char>(in[i]);
   return i;
 }
 // Widens ASCII bytes sixteen at a time while a whole block is ASCII (and,
-// with kStops, holds no `stop`); returns how many. The caller goes on from there.
+// with kStops, holds no `stop`); returns how many. The caller goes on from
+// there; `out` has room for `size` units.
 template <bool kStops>
 std::size_t WidenAsciiBlocks(const unsigned char* in, std::size_t size, wchar_t* out, unsigned char stop) {
   const __m128i zero = _mm_setzero_si128(), stops = _mm_set1_epi8(static_cast<char>(stop));
-  std::size_t i = 0;
-  for (; i + 16 <= size; i += 16) {
-    const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + i));
+  const auto widen = [&](std::size_t at) {
+    const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in + at));
     int ends = _mm_movemask_epi8(x);
     if constexpr (kStops) ends |= _mm_movemask_epi8(_mm_cmpeq_epi8(x, stops));
-    if (ends != 0) break;
+    if (ends != 0) return false;
     const __m128i low = _mm_unpacklo_epi8(x, zero), high = _mm_unpackhi_epi8(x, zero);
-    auto* to = reinterpret_cast<__m128i*>(out + i);
+    auto* to = reinterpret_cast<__m128i*>(out + at);
     if constexpr (sizeof(wchar_t) == 2) {
       _mm_storeu_si128(to, low);
       _mm_storeu_si128(to + 1, high);
@@ -82,7 +91,13 @@ std::size_t WidenAsciiBlocks(const unsigned char* in, std::size_t size, wchar_t*
       _mm_storeu_si128(to + 2, _mm_unpacklo_epi16(high, zero));
       _mm_storeu_si128(to + 3, _mm_unpackhi_epi16(high, zero));
     }
-  }
+    return true;
+  };
+  std::size_t i = 0;
+  while (i + 16 <= size && widen(i)) i += 16;
+  // The last bytes as one block ending at the end, overlapping what is done.
+  // Only where no block stopped the loop: the one block then covers the rest.
+  if (i < size && i + 16 > size && size >= 16 && widen(size - 16)) return size;
   return i;
 }
 #else
