@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "browsing/unit_scan.h"
+
 namespace tavrine::browsing {
 
 namespace {
@@ -172,7 +174,7 @@ namespace {
 template <bool kStops>
 std::size_t CopyAsciiRun(const unsigned char* in, std::size_t size, wchar_t* out, unsigned char stop) {
   constexpr std::uint64_t kOnes = 0x0101010101010101ULL, kHigh = kOnes * 0x80;
-  std::size_t i = 0;
+  std::size_t i = WidenAsciiBlocks<kStops>(in, size, out, stop);
   for (; i + 8 <= size; i += 8) {
     std::uint64_t word;
     std::memcpy(&word, in + i, 8);
@@ -185,27 +187,6 @@ std::size_t CopyAsciiRun(const unsigned char* in, std::size_t size, wchar_t* out
     for (std::size_t k = 0; k < 8; ++k) out[i + k] = static_cast<wchar_t>(in[i + k]);
   }
   for (; i < size && in[i] < 0x80 && !(kStops && in[i] == stop); ++i) out[i] = static_cast<wchar_t>(in[i]);
-  return i;
-}
-
-// Four units below 0x100 in one word, as four bytes (little-endian lanes).
-std::uint32_t NarrowFour(std::uint64_t word) {
-  return static_cast<std::uint32_t>((word & 0xFF) | ((word >> 8) & 0xFF00) | ((word >> 16) & 0xFF0000) |
-                                    ((word >> 24) & 0xFF000000));
-}
-
-std::size_t CopyAsciiRun(const char16_t* in, std::size_t size, char* out) {
-  std::size_t i = 0;
-  if constexpr (std::endian::native == std::endian::little) {
-    for (; i + 8 <= size; i += 8) {
-      std::uint64_t words[2];
-      std::memcpy(words, in + i, 16);
-      if ((words[0] | words[1]) & 0xFF80FF80FF80FF80ULL) break;  // the mask is the same in every lane
-      const std::uint32_t bytes[2] = {NarrowFour(words[0]), NarrowFour(words[1])};
-      std::memcpy(out + i, bytes, 8);
-    }
-  }
-  for (; i < size && in[i] < 0x80; ++i) out[i] = static_cast<char>(in[i]);
   return i;
 }
 
@@ -257,7 +238,7 @@ std::size_t AssignWideUntil(std::wstring& out, std::string_view bytes, char stop
 std::size_t EncodeUtf8(std::u16string_view units, char* out) {
   std::size_t i = 0, n = 0;
   while (i < units.size()) {
-    const std::size_t run = CopyAsciiRun(units.data() + i, units.size() - i, out + n);
+    const std::size_t run = CopyAsciiUnits(units.data() + i, units.size() - i, out + n);
     i += run;
     n += run;
     // Two-byte forms come as words: encoded here in one go.

@@ -12,42 +12,44 @@ constexpr std::uint64_t kSecondsFrom1601To1970 = 11644473600ULL;
 constexpr std::uint64_t kTicksPerSecond = 10000000ULL;
 constexpr std::uint64_t kSizeLimit = std::uint64_t{1} << 39;
 
-unsigned Digits(std::u16string_view text, std::size_t at, std::size_t count, bool& ok) {
-  unsigned value = 0;
-  for (std::size_t i = at; i < at + count; ++i) {
-    const auto digit = static_cast<std::uint32_t>(text[i]) - u'0';
-    ok &= digit <= 9;
-    value = value * 10 + digit;
-  }
-  return value;
+// Two digits at `at`; `bad` gains a bit when either is not a digit.
+inline unsigned TwoDigits(const char16_t* text, std::size_t at, std::uint32_t& bad) {
+  const std::uint32_t high = static_cast<std::uint32_t>(text[at]) - u'0';
+  const std::uint32_t low = static_cast<std::uint32_t>(text[at + 1]) - u'0';
+  bad |= (high > 9) | (low > 9);
+  return high * 10 + low;
 }
 
-// Days from 1970-01-01 (proleptic Gregorian).
-std::int64_t DaysFrom1970(std::int64_t y, unsigned m, unsigned d) {
-  y -= m <= 2;
-  const std::int64_t era = (y >= 0 ? y : y - 399) / 400;
-  const std::int64_t yoe = y - era * 400;
-  const std::int64_t doy = (153 * (m > 2 ? m - 3 : m + 9) + 2) / 5 + d - 1;
-  const std::int64_t doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
-  return era * 146097 + doe - 719468;
+// Days before each month's first in a common year.
+constexpr unsigned kDaysBeforeMonth[] = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
+
+// Leap days in the years before `year` (from year 1 on).
+constexpr std::uint32_t LeapDaysBefore(std::uint32_t year) {
+  const std::uint32_t y = year - 1;
+  return y / 4 - y / 100 + y / 400;
 }
 
 // "MM-DD-YYYY HH:MM:SS" of a real instant from 1970 to 2106: the text follows
-// from the seconds, so only they are kept.
-bool PackDate(std::u16string_view text, std::uint32_t& seconds) {
-  if (text.size() != 19 || text[2] != u'-' || text[5] != u'-' || text[10] != u' ' || text[13] != u':' ||
+// from the seconds, so only they are kept. Straight-line: most lines come here.
+bool PackDate(std::u16string_view date, std::uint32_t& seconds) {
+  const char16_t* text = date.data();
+  if (date.size() != 19 || text[2] != u'-' || text[5] != u'-' || text[10] != u' ' || text[13] != u':' ||
       text[16] != u':')
     return false;
-  bool ok = true;
-  const unsigned month = Digits(text, 0, 2, ok), day = Digits(text, 3, 2, ok), year = Digits(text, 6, 4, ok);
-  const unsigned hour = Digits(text, 11, 2, ok), minute = Digits(text, 14, 2, ok), second = Digits(text, 17, 2, ok);
-  if (!ok || year < 1970 || year > 2106 || month < 1 || month > 12 || day < 1 || hour > 23 || minute > 59 ||
+  std::uint32_t bad = 0;
+  const unsigned month = TwoDigits(text, 0, bad), day = TwoDigits(text, 3, bad);
+  const unsigned year = TwoDigits(text, 6, bad) * 100 + TwoDigits(text, 8, bad);
+  const unsigned hour = TwoDigits(text, 11, bad), minute = TwoDigits(text, 14, bad), second = TwoDigits(text, 17, bad);
+  if (bad || year < 1970 || year > 2106 || month < 1 || month > 12 || day < 1 || hour > 23 || minute > 59 ||
       second > 59)
     return false;
   static constexpr unsigned kMonthDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
   const bool leap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+  const unsigned leap_day = leap && month > 2 ? 1 : 0;
   if (day > kMonthDays[month - 1] + (month == 2 && leap ? 1 : 0)) return false;
-  const std::int64_t total = DaysFrom1970(year, month, day) * 86400 + hour * 3600 + minute * 60 + second;
+  const std::uint64_t days = std::uint64_t{365} * (year - 1970) + (LeapDaysBefore(year) - LeapDaysBefore(1970)) +
+                             kDaysBeforeMonth[month - 1] + leap_day + day - 1;
+  const std::uint64_t total = days * 86400 + hour * 3600 + minute * 60 + second;
   if (total > UINT32_MAX) return false;
   seconds = static_cast<std::uint32_t>(total);
   return true;

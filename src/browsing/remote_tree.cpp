@@ -8,7 +8,9 @@
 
 #include "browsing/case_fold.h"
 #include "browsing/file_time.h"
+#include "browsing/unit_scan.h"
 #include "foundation/trace_log.h"
+#include "platform/file_mapping.h"
 #include "platform/path.h"
 #include "platform/services.h"
 
@@ -256,24 +258,9 @@ void RemoteListing::FillFromPacked(std::uint32_t position, EnumCursor& cursor, F
 
 namespace {
 
-// Index of the first unit at or after `at` that ends a line (CR or LF), or the
-// size. Both are below 14, so blocks of eight are ruled out with one compare
-// per unit.
+// Index of the first unit at or after `at` that ends a line (CR or LF), or the size.
 std::size_t FindLineEnd(std::u16string_view text, std::size_t at) {
-  const char16_t* units = text.data();
-  std::size_t i = at;
-  constexpr std::uint64_t kLanes = 0x0001000100010001ULL, kHigh = kLanes * 0x8000;
-  for (; i + 8 <= text.size(); i += 8) {
-    std::uint64_t words[2];
-    std::memcpy(words, units + i, 16);
-    // High bit of a lane set when the unit is below 14 (or, harmlessly, above 0x800D).
-    const std::uint64_t low = ((words[0] - kLanes * 14) | (words[1] - kLanes * 14)) & kHigh;
-    if (low) break;
-  }
-  for (; i < text.size(); ++i) {
-    if (units[i] == u'\r' || units[i] == u'\n') return i;
-  }
-  return text.size();
+  return FindEitherUnit(text.data(), at, text.size(), u'\r', u'\n');
 }
 
 // The lines of a UTF-16LE stream, read piece by piece so that a large listing
@@ -370,20 +357,9 @@ void FoldBytes(std::string_view bytes, std::string& out) {
 
 namespace {
 
-// The first `unit` at or after `from`, or the size; four units a step.
+// The first `unit` at or after `from`, or the size.
 std::size_t FindUnit(std::u16string_view text, std::size_t from, char16_t unit) {
-  constexpr std::uint64_t kLanes = 0x0001000100010001ULL, kHigh = kLanes * 0x8000;
-  std::size_t i = from;
-  if constexpr (std::endian::native == std::endian::little) {
-    for (; i + 4 <= text.size(); i += 4) {
-      std::uint64_t word;
-      std::memcpy(&word, text.data() + i, 8);
-      const std::uint64_t x = word ^ (kLanes * unit);
-      if ((x - kLanes) & ~x & kHigh) break;  // some lane is zero
-    }
-  }
-  while (i < text.size() && text[i] != unit) ++i;
-  return i;
+  return FindEitherUnit(text.data(), from, text.size(), unit, unit);
 }
 
 }  // namespace
@@ -494,18 +470,7 @@ namespace {
 
 // The first of two units at or after `from`, or the size.
 std::size_t FindEither(std::u16string_view text, std::size_t from, char16_t one, char16_t other) {
-  constexpr std::uint64_t kLanes = 0x0001000100010001ULL, kHigh = kLanes * 0x8000;
-  std::size_t i = from;
-  if constexpr (std::endian::native == std::endian::little) {
-    for (; i + 4 <= text.size(); i += 4) {
-      std::uint64_t word;
-      std::memcpy(&word, text.data() + i, 8);
-      const std::uint64_t x = word ^ (kLanes * one), y = word ^ (kLanes * other);
-      if (((x - kLanes) & ~x & kHigh) | ((y - kLanes) & ~y & kHigh)) break;
-    }
-  }
-  while (i < text.size() && text[i] != one && text[i] != other) ++i;
-  return i;
+  return FindEitherUnit(text.data(), from, text.size(), one, other);
 }
 
 // Unit by unit: folding leaves surrogates alone, and a backslash is never
@@ -601,28 +566,58 @@ void RemoteListing::ReserveForFile(std::size_t file_units, std::size_t units_per
   const std::size_t more = lines + lines / 16 + 1024;
   records_.reserve(records_.size() + more);
   names_.reserve(names_.size() + more * (names_per_line + 1));
+  // The folders' arrays by the share the first lines show, a quarter more:
+  // what is reserved and never used is never touched either.
+  const auto scaled = [&](std::size_t seen) { return seen + seen * more / kSampleLines * 5 / 4; };
+  spellings_.reserve(scaled(spellings_.size()));
+  spelling_text_.reserve(scaled(spelling_text_.size()));
+  spelling_runs_.reserve(scaled(spelling_runs_.size()));
+  folders_.reserve(scaled(folders_.size()));
+  folded_text_.reserve(scaled(folded_text_.size()));
 }
 
-bool RemoteListing::AddFile(const std::wstring& path, const std::wstring& machine) {
-  std::ifstream in(platform::ToFsPath(path), std::ios::binary);
-  if (!in) return false;
-  in.seekg(0, std::ios::end);
-  std::streamoff size = in.tellg();
-  if (size < 0) return false;
-  in.seekg(0, std::ios::beg);
-  const std::size_t units = static_cast<std::size_t>(size) / 2;
+bool RemoteListing::AddFile(const std::wstring& path, const std::wstring& machine, FileRead read) {
+  platform::FileMapping mapping;
+  const bool mapped = read == FileRead::kMapped && std::endian::native == std::endian::little && mapping.Open(path);
+  std::ifstream in;
+  std::size_t units = mapping.size() / 2;
+  if (!mapped) {
+    in.open(platform::ToFsPath(path), std::ios::binary);
+    if (!in) return false;
+    in.seekg(0, std::ios::end);
+    std::streamoff size = in.tellg();
+    if (size < 0) return false;
+    in.seekg(0, std::ios::beg);
+    units = static_cast<std::size_t>(size) / 2;
+  }
   BeginFile(machine);
-  Utf16Lines lines(in);
-  std::u16string_view line;
   std::size_t seen_lines = 0, seen_units = 0;
   const std::size_t names_before = names_.size();
-  while (lines.Next(line) && AddLine(line)) {
+  const auto add = [&](std::u16string_view line) {
+    if (!AddLine(line)) return false;
     seen_units += line.size() + 2;
     if (++seen_lines == kSampleLines)
       ReserveForFile(units, seen_units / seen_lines, (names_.size() - names_before) / seen_lines);
     // Pending window messages run between lines, though not after every one:
     // that would cost a large share of the load time of a long listing.
     if (seen_lines % kLinesPerMessagePump == 0) platform::CurrentUi().PumpMessages();
+    return true;
+  };
+  if (mapped) {
+    // The pages are the file's: lines are read where they lie.
+    const auto* text = reinterpret_cast<const char16_t*>(mapping.data());
+    std::size_t at = units > 0 && text[0] == 0xFEFF ? 1 : 0;
+    while (at < units) {
+      const std::size_t end = FindEitherUnit(text, at, units, u'\r', u'\n');
+      if (!add(std::u16string_view(text + at, end - at))) break;
+      at = end + 1;
+      if (at < units && text[end] == u'\r' && text[at] == u'\n') ++at;
+    }
+    return true;
+  }
+  Utf16Lines lines(in);
+  std::u16string_view line;
+  while (lines.Next(line) && add(line)) {
   }
   return true;
 }

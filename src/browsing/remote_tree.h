@@ -89,9 +89,12 @@ class RemoteListing {
   void BeginFile(const std::wstring& machine);
   // One line without its line end; false once the file's list has ended.
   bool AddLine(std::u16string_view line);
+  // How AddFile reads: mapped (read in pieces where it cannot be mapped), or
+  // in pieces.
+  enum class FileRead { kMapped, kPieces };
   // Reads a UTF-16LE file (BOM optional; CR, LF or CRLF end a line). False
   // when it cannot be read.
-  bool AddFile(const std::wstring& path, const std::wstring& machine);
+  bool AddFile(const std::wstring& path, const std::wstring& machine, FileRead read = FileRead::kMapped);
   // Builds the index; lookups need it.
   void Finish();
 

@@ -26,11 +26,14 @@ struct Loaded {
   RemoteListing listing;
 };
 
-std::unique_ptr<Loaded> Load(const std::wstring& text, const std::wstring& machine = L"") {
+using FileRead = RemoteListing::FileRead;
+
+std::unique_ptr<Loaded> Load(const std::wstring& text, const std::wstring& machine = L"",
+                             FileRead read = FileRead::kMapped) {
   auto loaded = std::make_unique<Loaded>();
   auto file = loaded->temp.path() / "Backupfile.txt";
   testing::WriteFileBytes(file, testing::Utf16LeFile(text));
-  loaded->listing.AddFile(platform::FromFsPath(file), machine);
+  loaded->listing.AddFile(platform::FromFsPath(file), machine, read);
   loaded->listing.Finish();
   return loaded;
 }
@@ -97,16 +100,24 @@ TEST(ListingLoad, FormRulesAndNodes) {
       {"machine prefix", L"C:\\a/1/1/x/U\r\n", L"PC1", {L"PC1\\C:\\a/1/1/x/U"}, {L"PC1"}},
       {"CR alone ends lines", L"C:\\a/1/1/x/U\rC:\\b/1/1/x/U", L"",
        {L"C:\\a/1/1/x/U", L"C:\\b/1/1/x/U"}, {L"C:\\"}},
+      {"CR last ends the last line", L"C:\\a/1/1/x/U\r\nC:\\b/1/1/x/U\r", L"",
+       {L"C:\\a/1/1/x/U", L"C:\\b/1/1/x/U"}, {L"C:\\"}},
+      {"an empty line ends the list", L"C:\\a/1/1/x/U\r\n\r\nC:\\b/1/1/x/U\r\n", L"",
+       {L"C:\\a/1/1/x/U"}, {L"C:\\"}},
   };
-  for (const Case& c : cases) {
-    auto loaded = Load(c.text, c.machine);
-    std::vector<std::wstring> entries;
-    for (int i = 1; i <= loaded->listing.count(); ++i) entries.push_back(loaded->listing.Entry(i));
-    EXPECT_EQ(entries, c.entries) << c.name;
-    std::vector<std::wstring> nodes;
-    for (auto* n = loaded->listing.root().first_child_; n; n = n->next_sibling_) nodes.push_back(n->name_);
-    EXPECT_EQ(nodes, c.nodes) << c.name;
-    EXPECT_EQ(loaded->listing.root().child_count_, static_cast<int>(c.nodes.size())) << c.name;
+  // Mapped or read in pieces, a file gives the same lines.
+  for (const FileRead read : {FileRead::kMapped, FileRead::kPieces}) {
+    for (const Case& c : cases) {
+      SCOPED_TRACE(read == FileRead::kMapped ? "mapped" : "pieces");
+      auto loaded = Load(c.text, c.machine, read);
+      std::vector<std::wstring> entries;
+      for (int i = 1; i <= loaded->listing.count(); ++i) entries.push_back(loaded->listing.Entry(i));
+      EXPECT_EQ(entries, c.entries) << c.name;
+      std::vector<std::wstring> nodes;
+      for (auto* n = loaded->listing.root().first_child_; n; n = n->next_sibling_) nodes.push_back(n->name_);
+      EXPECT_EQ(nodes, c.nodes) << c.name;
+      EXPECT_EQ(loaded->listing.root().child_count_, static_cast<int>(c.nodes.size())) << c.name;
+    }
   }
 }
 
@@ -116,13 +127,14 @@ TEST(ListingLoad, LineEndsSplitAcrossReadPiecesStayOneEndAndMessagesRunMeanwhile
   const std::wstring body = L"C:\\d\\file.txt/1/2/x/U";
   const std::size_t line_units = body.size() + 2;
   const int lines = 3 * static_cast<int>(RemoteListing::kLinesPerMessagePump) + 10;
-  for (std::size_t shift = 0; shift < line_units; ++shift) {
+  for (std::size_t shift = 0; shift < 2 * line_units; ++shift) {
     SCOPED_TRACE(shift);
+    const FileRead read = shift < line_units ? FileRead::kPieces : FileRead::kMapped;
     testing::RecordingUi ui;
     platform::ScopedServices seams({.ui = &ui, .module_folder = {}});
-    std::wstring text = L"C:\\" + std::wstring(shift + 3, L'p') + L"/1/2/x/U\r\n";
+    std::wstring text = L"C:\\" + std::wstring(shift % line_units + 3, L'p') + L"/1/2/x/U\r\n";
     for (int i = 1; i < lines; ++i) text += body + L"\r\n";
-    auto loaded = Load(text);
+    auto loaded = Load(text, L"", read);
     ASSERT_EQ(loaded->listing.count(), lines);
     EXPECT_EQ(loaded->listing.Entry(lines), body);
     EXPECT_GE(ui.pumps(), 3);
