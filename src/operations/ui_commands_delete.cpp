@@ -1,4 +1,4 @@
-#include "operations/cls_api_interface.h"
+#include "operations/remote_operations.h"
 #include "operations/ui_commands.h"
 
 #include "foundation/trace_log.h"
@@ -7,7 +7,7 @@ namespace tavrine::operations {
 
 std::int32_t UICommands::W_DeleteRemoteFiles(const std::wstring& sInputDelete) {
   try {
-    return clsAPI_Interface().API_DELETE_REMOTE_FILE(sInputDelete);
+    return DeleteRemote(engine::Session::Open(), sInputDelete);
   } catch (...) {
     foundation::TraceException(L"W_DeleteRemoteFiles", foundation::DescribeCurrentException());
     return -1;
@@ -16,7 +16,7 @@ std::int32_t UICommands::W_DeleteRemoteFiles(const std::wstring& sInputDelete) {
 
 std::int32_t UICommands::W_Dummycall() {
   try {
-    return clsAPI_Interface().API_FirewallSettings();
+    return ProbeFirewall();
   } catch (...) {
     foundation::TraceException(L"W_Dummycall", foundation::DescribeCurrentException());
     return -1;

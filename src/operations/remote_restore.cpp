@@ -1,15 +1,16 @@
 #include <optional>
 
-#include "engine/engine_run.h"
+#include "engine/engine_call.h"
+#include "engine/engine_codes.h"
+#include "engine/result_file.h"
 #include "engine/exchange_folder.h"
 #include "foundation/file_system.h"
 #include "foundation/settings.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/trace_log.h"
-#include "operations/cls_api_interface.h"
+#include "operations/remote_operations.h"
 #include "operations/shared_texts.h"
-#include "operations/ui_commands.h"
 #include "platform/ini_file.h"
 #include "platform/services.h"
 #include "profile/profile_store.h"
@@ -22,7 +23,6 @@ using foundation::CurrentSettings;
 using foundation::JoinPath;
 
 constexpr const wchar_t* kMachineCodeReadOnly = L"MACHINECODEREADONLY";
-constexpr int kVersionAttempts = 3;
 constexpr std::uint32_t kPauseMs = 100;
 
 std::wstring WithoutTrailingBackslash(const std::wstring& path) {
@@ -50,19 +50,32 @@ std::optional<std::wstring> HostEntryFor(const std::wstring& hosts, const std::w
   return std::nullopt;
 }
 
+// Three attempts; -416 again after a pause, -504 after logging in again and
+// reading the profile afresh.
+engine::RetryPolicy VersionsPolicy(engine::Session& session) {
+  engine::RetryPolicy policy;
+  policy.attempts = 3;
+  static constexpr engine::EngineCode kAgain[] = {engine::EngineCode::kNoConnection};
+  static constexpr engine::EngineCode kLoginAgain[] = {engine::EngineCode::kReconnect};
+  policy.rules.push_back({.codes = kAgain, .pause_ms = kPauseMs});
+  policy.rules.push_back({.codes = kLoginAgain,
+                          .pause_ms = kPauseMs,
+                          .before_pause = [] { Reconnect(); },
+                          .after_pause = [&session] { session.Reload(); }});
+  return policy;
+}
+
 }  // namespace
 
-std::int32_t clsAPI_Interface::API_ENTRY_RESTORE(const std::wstring& destPath,
-                                                 const std::wstring& parentPath,
-                                                 const std::wstring& tempPath) {
+std::int32_t StartRestore(engine::Session session, const std::wstring& destPath,
+                          const std::wstring& parentPath, const std::wstring& tempPath) {
   std::int32_t handle = -1;
-  try {
+  {
     if (!engine::CallerFolderExists(tempPath, L"API_ENTRY_RESTORE")) return -1;
-    engine::ProxySettings proxy = LoadSession();
     const std::wstring destination_file = JoinPath(tempPath, L"restdestdir.txt");
     foundation::DeleteFileIfExists(destination_file);
 
-    const std::wstring host_count = client_.GetUserProfile(L"HostCount");
+    const std::wstring host_count = engine::Connection::ProfileValue(L"HostCount");
     const bool multiple = !host_count.empty() && host_count != L"0";
     CurrentSettings().multiple_pc = multiple;
 
@@ -83,7 +96,7 @@ std::int32_t clsAPI_Interface::API_ENTRY_RESTORE(const std::wstring& destPath,
     if (host_count != L"1") {
       if (!multiple) {
         std::wstring user = profile::GetUserProfile(L"UserName");
-        if (user.empty()) user = current_user_;
+        if (user.empty()) user = session.current_user();
         platform::WriteIniString(L"MPC", L"Hosts", user + L"|0;", mpc);
       } else {
         auto entry = HostEntryFor(platform::ReadIniString(L"MPC", L"Hosts", mpc), machine);
@@ -95,70 +108,58 @@ std::int32_t clsAPI_Interface::API_ENTRY_RESTORE(const std::wstring& destPath,
     }
     platform::WriteIniString(L"MPC", L"HostCount", L"1", mpc);
 
-    client_.DeleteInputOutFilesTempFd(tempPath);
-    client_.WriteDLLInputFileTempFd(tempPath, engine::ProxyArguments(proxy, kMachineCodeReadOnly));
-    auto process =
-        engine::StartEngine(engine::ConfiguredEngineProgram(), engine::kCodeRestore, tempPath);
+    engine::DeleteExchangeFiles(tempPath);
+    auto process = engine::StartEngineCall(
+        {.program = engine::ConfiguredEngineProgram(),
+         .command = engine::kCodeRestore,
+         .folder = tempPath},
+        [&](const std::wstring& into) {
+          session.connection().WriteRequest(
+              into, engine::ProxyArguments(session.proxy(), kMachineCodeReadOnly));
+        });
     if (process) {
       platform::CurrentClock().Sleep(2000);
       handle = static_cast<std::int32_t>(process->Release());
     }
-  } catch (...) {
-    foundation::TraceException(L"API_ENTRY_RESTORE", foundation::DescribeCurrentException());
   }
   return handle;
 }
 
-std::int32_t clsAPI_Interface::API_GETVERSIONS(const std::wstring& filepath, std::wstring& pstrtemp) {
-  std::int32_t result = -1;
-  try {
-    base_path_ = foundation::ComputeWorkRoot();
-    client_.LoadConfigurations();
-    current_user_ = client_.GetCurrentUser();
-    PreloadFailureTextsFromMessageTable();
-    engine::ProxySettings proxy;
-    client_.LoadProxySettings(proxy);
-
-    pstrtemp = engine::MakeExchangeFolder(client_.UserFolder());
-    if (pstrtemp.empty()) {
-      foundation::Trace(L"API_GETVERSIONS :: exchange folder could not be created");
-      return result;
-    }
-    double value = 0;
-    bool has_result = false;
-    std::wstring description;
-    for (int attempt = 0; attempt < kVersionAttempts; ++attempt) {
-      client_.WriteDLLInputVersionFile(pstrtemp, engine::ProxyArguments(proxy, kMachineCodeReadOnly),
-                                       filepath);
-      auto process =
-          engine::StartEngine(engine::ConfiguredEngineProgram(), engine::kCodeVersions, pstrtemp);
-      if (!process) {
-        value = -1;
-        break;
-      }
-      engine::WaitPausing(process.get(), kPauseMs);
-      client_.ReadDLLOutputFileTempFd(pstrtemp, has_result, description, value);
-      const std::int32_t code = foundation::RoundToInt32(value);
-      if (code == -416) {
-        platform::CurrentClock().Sleep(kPauseMs);
-      } else if (code == -504) {
-        UICommands().W_AutoReconnect();
-        platform::CurrentClock().Sleep(kPauseMs);
-        client_.LoadConfigurations();
-      } else {
-        break;
-      }
-    }
-    result = foundation::RoundToInt32(value);
-    if (result == -403) {
-      platform::CurrentUi().ShowMessageBox(CurrentSettings().password_changed_text,
-                                           CurrentSettings().message_title,
-                                           platform::kMbOk | platform::kMbIconStop);
-    }
-  } catch (...) {
-    foundation::TraceException(L"API_GETVERSIONS", foundation::DescribeCurrentException());
+VersionsResult FetchVersions(engine::Session session, const std::wstring& remote_file) {
+  VersionsResult versions;
+  PreloadFailureTextsFromMessageTable();
+  versions.folder = engine::MakeExchangeFolder(session.UserFolder());
+  if (versions.folder.empty()) {
+    foundation::Trace(L"API_GETVERSIONS :: exchange folder could not be created");
+    return versions;
   }
-  return result;
+  engine::EngineCallSpec spec{.program = engine::ConfiguredEngineProgram(),
+                              .command = engine::kCodeVersions,
+                              .folder = versions.folder,
+                              .wait = engine::WaitKind::kPausing,
+                              .pause_ms = kPauseMs,
+                              .read_without_start = false};
+  auto outcome = engine::RunWithRetry(
+      VersionsPolicy(session),
+      [&](const engine::EngineResult& previous) -> std::optional<engine::EngineResult> {
+        engine::EngineResult result = engine::CallEngine(
+            spec,
+            [&](const std::wstring& into) {
+              session.connection().WriteVersionRequest(
+                  into, engine::ProxyArguments(session.proxy(), kMachineCodeReadOnly),
+                  remote_file);
+            },
+            previous);
+        if (result.end == engine::RunEnd::kNotStarted) return std::nullopt;
+        return result;
+      });
+  versions.result = outcome.stop == engine::RetryStop::kAborted ? -1 : outcome.last.raw();
+  if (versions.result == engine::EngineCode::kPasswordChanged) {
+    platform::CurrentUi().ShowMessageBox(CurrentSettings().password_changed_text,
+                                         CurrentSettings().message_title,
+                                         platform::kMbOk | platform::kMbIconStop);
+  }
+  return versions;
 }
 
 }  // namespace tavrine::operations
