@@ -49,8 +49,8 @@ std::int32_t CTavrinEFileHistory::GetFirstVersion(const std::wstring& filename,
   try {
     Init();
     base_path_ = foundation::ComputeWorkRoot();
-    operations::VersionsResult versions =
-        operations::FetchVersions(engine::Session::Open(), filename);
+    engine::Session session = engine::Session::Open();
+    operations::VersionsResult versions = operations::FetchVersions(session, filename);
     std::int32_t result = versions.result;
     folder_ = versions.folder;
     if (result == 402 && FetchAllVersions() == 1) return GetFileVersion(sfirstVer);

@@ -3,7 +3,10 @@
 // the operation in operations/remote_operations.h and is the one place its
 // failures are trapped.
 #include <cstdint>
+#include <optional>
 #include <string>
+
+#include "engine/session.h"
 
 namespace tavrine::contract {
 
@@ -22,6 +25,13 @@ class clsAPI_Interface {
   std::int32_t API_GETVERSIONS(const std::wstring& filepath, std::wstring& pstrtemp);
   std::int32_t API_DELETE_REMOTE_FILE(const std::wstring& sInputDelete);
   std::int32_t API_FirewallSettings();
+
+ private:
+  // Opens the session of a call; it stays with the object afterwards, as the
+  // firewall probe keeps a "localhost" address an earlier call left.
+  engine::Session& Begin();
+
+  std::optional<engine::Session> session_;
 };
 
 }  // namespace tavrine::contract

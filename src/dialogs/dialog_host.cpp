@@ -30,7 +30,8 @@ SessionInfo LoadSessionInfo() {
 }
 
 std::optional<operations::QuotaReading> RefreshQuota() {
-  operations::ReadQuota(engine::Session::Open());
+  engine::Session session = engine::Session::Open();
+  operations::ReadQuota(session);
   return operations::LastQuota();
 }
 

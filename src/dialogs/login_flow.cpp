@@ -313,7 +313,7 @@ bool LoginProcedure::Run() {
     std::wstring host = foundation::FileExists(foundation::ConfigurationFilePath())
                             ? foundation::ReadConfigValue(L"ConnectionInfo", L"DomainName")
                             : std::wstring(foundation::kDefaultServerHost);
-    address_ = engine::clsIPResolve().GetIPFromHostName(host);
+    address_ = engine::ResolveHostAddress(host);
     if (address_.empty()) address_ = CurrentSettings().current_address;
   }
   // The account's stored port, as every other request sends it; a first login

@@ -179,7 +179,7 @@ void Connection::ResolveServerAddress() {
                           ? foundation::ReadConfigValue(L"ConnectionInfo", L"DomainName")
                           : std::wstring(foundation::kDefaultServerHost);
   server_address_ = host;
-  server_address_ = clsIPResolve().GetIPFromHostName(host);
+  server_address_ = ResolveHostAddress(host);
   if (server_address_.empty()) server_address_ = foundation::CurrentSettings().current_address;
 }
 

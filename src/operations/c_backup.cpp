@@ -130,7 +130,8 @@ std::int32_t CBackup::W_DoBackup(std::int32_t& lResult) {
       EnableScheduleBackup(user);
       return kCancelled;
     }
-    EntryStart entry = StartSessionEntry(engine::Session::Open(), temp_path_);
+    engine::Session session = engine::Session::Open();
+    EntryStart entry = StartSessionEntry(session, temp_path_);
     std::int32_t process = entry.handle;
     lResult = entry.completed ? 1 : 0;
     if (process == -1) {
@@ -254,7 +255,8 @@ std::int32_t CBackup::BackupInit() {
       return -1;
     }
     if (IsBackupCancelled()) return kCancelled;
-    std::int32_t listing = ListRemote(engine::Session::Open(), temp_path_);
+    engine::Session session = engine::Session::Open();
+    std::int32_t listing = ListRemote(session, temp_path_);
     if (IsBackupCancelled()) return kCancelled;
     if (listing != 402 && listing != -412) return listing;
 

@@ -13,7 +13,8 @@ namespace tavrine::operations {
 std::int32_t CRestore::W_Restore(const std::wstring& destPath, const std::wstring& parentPath,
                                  const std::wstring& tempPath) {
   try {
-    return StartRestore(engine::Session::Open(), destPath, parentPath, tempPath);
+    engine::Session session = engine::Session::Open();
+    return StartRestore(session, destPath, parentPath, tempPath);
   } catch (...) {
     foundation::TraceException(L"W_Restore", foundation::DescribeCurrentException());
     return -1;
@@ -24,7 +25,7 @@ std::int32_t CRestore::W_GetVersions(const std::wstring& filename) {
   try {
     engine::Session session = engine::Session::Open();
     const std::wstring made = engine::MakeExchangeFolder(session.UserFolder());
-    VersionsResult versions = FetchVersions(std::move(session), filename);
+    VersionsResult versions = FetchVersions(session, filename);
     const std::wstring& folder = versions.folder;
     std::int32_t result = versions.result;
     // The method works in a folder of its own; the one made here stays unused.

@@ -81,7 +81,7 @@ engine::RetryPolicy DeletePolicy(bool renewal_permitted) {
 
 }  // namespace
 
-std::int32_t DeleteRemote(engine::Session session, const std::wstring& list_file) {
+std::int32_t DeleteRemote(engine::Session& session, const std::wstring& list_file) {
   engine::ScopedExchangeFolder owner(engine::MakeExchangeFolder(session.UserFolder()));
   const std::wstring& folder = owner.path();
   if (folder.empty()) {
@@ -126,50 +126,49 @@ std::int32_t DeleteRemote(engine::Session session, const std::wstring& list_file
   return ReportDeleteOutcome(outcome.last.raw());
 }
 
-std::int32_t ProbeFirewall() {
+std::int32_t ProbeFirewall(const std::wstring& known_address) {
   std::int32_t result = 0;
-  {
-    const std::wstring base_path = foundation::ComputeWorkRoot();
-    foundation::LoadConfigurations();
-    const auto& settings = CurrentSettings();
-    const std::wstring marker = base_path + settings.installation_name + L"Client.txt";
-    if (FileExists(marker)) return 0;
+  const std::wstring base_path = foundation::ComputeWorkRoot();
+  foundation::LoadConfigurations();
+  const auto& settings = CurrentSettings();
+  const std::wstring marker = base_path + settings.installation_name + L"Client.txt";
+  if (FileExists(marker)) return 0;
 
-    // Not the profile's connection: the probe always resolves the configured domain.
-    engine::Connection client;
-    client.ResolveServerAddress();
-    std::wstring folder = MakeFirewallFolder(base_path);
-    if (folder.empty()) {
-      foundation::Trace(L"API_FirewallSettings :: iTemp folder could not be created");
-      return 0;
+  // Not the profile's values: only the address the caller holds, and only "localhost" survives.
+  engine::Connection client;
+  client.SetServerAddress(known_address);
+  client.ResolveServerAddress();
+  std::wstring folder = MakeFirewallFolder(base_path);
+  if (folder.empty()) {
+    foundation::Trace(L"API_FirewallSettings :: iTemp folder could not be created");
+    return 0;
+  }
+  const std::wstring request = JoinPath(folder, L"DLLInput.txt");
+  foundation::DeleteFileIfExists(request);
+  // Placeholder credentials: the probe must never carry the user's own.
+  std::vector<std::wstring> lines = {client.server_address(),
+                                     settings.port,
+                                     profile::ShiftCharacters(L"username"),
+                                     profile::ShiftCharacters(L"password"),
+                                     profile::ShiftCharacters(L"noencryption"),
+                                     L"MACHINECODEREADONLY"};
+  lines.insert(lines.end(), 6, L"0");
+  // A plain (ANSI) text file, unlike the Unicode requests of the other runs.
+  for (const std::wstring& line : lines) {
+    if (!foundation::AppendAnsiLine(request, line)) {
+      foundation::Trace(L"API_FirewallSettings :: request could not be written");
+      break;
     }
-    const std::wstring request = JoinPath(folder, L"DLLInput.txt");
-    foundation::DeleteFileIfExists(request);
-    // Placeholder credentials: the probe must never carry the user's own.
-    std::vector<std::wstring> lines = {client.server_address(),
-                                       settings.port,
-                                       profile::ShiftCharacters(L"username"),
-                                       profile::ShiftCharacters(L"password"),
-                                       profile::ShiftCharacters(L"noencryption"),
-                                       L"MACHINECODEREADONLY"};
-    lines.insert(lines.end(), 6, L"0");
-    // A plain (ANSI) text file, unlike the Unicode requests of the other runs.
-    for (const std::wstring& line : lines) {
-      if (!foundation::AppendAnsiLine(request, line)) {
-        foundation::Trace(L"API_FirewallSettings :: request could not be written");
-        break;
-      }
-    }
-    // Started and not waited for: the marker tells whether an earlier run got through.
-    engine::EngineCallSpec spec;
-    spec.program = engine::FixedEngineProgram();
-    spec.command = engine::kCodeLogin;
-    spec.folder = folder;
-    engine::StartEngineCall(spec, nullptr);
-    if (FileExists(marker)) {
-      foundation::DeleteFileIfExists(marker);
-      result = 1;
-    }
+  }
+  // Started and not waited for: the marker tells whether an earlier run got through.
+  engine::EngineCallSpec spec;
+  spec.program = engine::FixedEngineProgram();
+  spec.command = engine::kCodeLogin;
+  spec.folder = folder;
+  engine::StartEngineCall(spec, nullptr);
+  if (FileExists(marker)) {
+    foundation::DeleteFileIfExists(marker);
+    result = 1;
   }
   return result;
 }

@@ -86,7 +86,7 @@ RetryPolicy QuotaPolicy(engine::Session& session) {
 
 }  // namespace
 
-EntryStart StartSessionEntry(engine::Session session, const std::wstring& folder) {
+EntryStart StartSessionEntry(engine::Session& session, const std::wstring& folder) {
   EntryStart start;
   if (!engine::CallerFolderExists(folder, L"API_ENTRY")) return start;
   engine::Connection& connection = session.connection();
@@ -105,15 +105,15 @@ EntryStart StartSessionEntry(engine::Session session, const std::wstring& folder
 std::int32_t Reconnect() {
   // Called inside another operation, which goes on whatever the login did.
   try {
-    return SilentLogin(L"API_AutoReconnect");
+    engine::Session session = engine::Session::Open();
+    return SilentLogin(session, L"API_AutoReconnect");
   } catch (...) {
     foundation::TraceException(L"API_AutoReconnect", foundation::DescribeCurrentException());
     return -1;
   }
 }
 
-std::int32_t SilentLogin(const wchar_t* method) {
-  engine::Session session = engine::Session::Open();
+std::int32_t SilentLogin(engine::Session& session, const wchar_t* method) {
   engine::Connection& connection = session.connection();
   connection.ResolveServerAddress();
   connection.SetServerPort(session.settings().port);
@@ -158,11 +158,20 @@ std::int32_t SilentLogin(const wchar_t* method) {
 }
 
 std::int32_t RenewRandomNumber() {
-  EngineResult last;
-  // Called inside the listing and the delete, which go on after a failure here
-  // with the code read so far.
+  // Called inside the listing and the delete, which go on whatever it gave.
   try {
     engine::Session session = engine::Session::Open();
+    return RenewRandomNumber(session);
+  } catch (...) {
+    foundation::TraceException(L"API_UPDATE_RAND_NUM", foundation::DescribeCurrentException());
+    return 0;
+  }
+}
+
+std::int32_t RenewRandomNumber(engine::Session& session) {
+  EngineResult last;
+  // The code read so far is the answer even when a later step fails.
+  try {
     const std::wstring random = engine::GenerateRandomNumber();
     std::wstring folder = engine::MakeExchangeFolder(session.UserFolder());
     if (folder.empty()) return -1;
@@ -186,7 +195,7 @@ std::int32_t RenewRandomNumber() {
   return last.raw();
 }
 
-std::int32_t ListRemote(engine::Session session, const std::wstring& folder) {
+std::int32_t ListRemote(engine::Session& session, const std::wstring& folder) {
   if (!engine::CallerFolderExists(folder, L"API_REMOTE")) return -1;
   engine::Connection& connection = session.connection();
   EngineCallSpec spec = PlainCall(engine::kCodeListing, folder);
@@ -231,7 +240,7 @@ std::int32_t ListRemote(engine::Session session, const std::wstring& folder) {
   return result;
 }
 
-QuotaResult ReadQuota(engine::Session session) {
+QuotaResult ReadQuota(engine::Session& session) {
   QuotaResult quota;
   std::wstring folder = engine::MakeExchangeFolder(session.UserFolder());
   if (folder.empty()) {

@@ -67,65 +67,63 @@ engine::RetryPolicy VersionsPolicy(engine::Session& session) {
 
 }  // namespace
 
-std::int32_t StartRestore(engine::Session session, const std::wstring& destPath,
+std::int32_t StartRestore(engine::Session& session, const std::wstring& destPath,
                           const std::wstring& parentPath, const std::wstring& tempPath) {
   std::int32_t handle = -1;
-  {
-    if (!engine::CallerFolderExists(tempPath, L"API_ENTRY_RESTORE")) return -1;
-    const std::wstring destination_file = JoinPath(tempPath, L"restdestdir.txt");
-    foundation::DeleteFileIfExists(destination_file);
+  if (!engine::CallerFolderExists(tempPath, L"API_ENTRY_RESTORE")) return -1;
+  const std::wstring destination_file = JoinPath(tempPath, L"restdestdir.txt");
+  foundation::DeleteFileIfExists(destination_file);
 
-    const std::wstring host_count = engine::Connection::ProfileValue(L"HostCount");
-    const bool multiple = !host_count.empty() && host_count != L"0";
-    CurrentSettings().multiple_pc = multiple;
+  const std::wstring host_count = engine::Connection::ProfileValue(L"HostCount");
+  const bool multiple = !host_count.empty() && host_count != L"0";
+  CurrentSettings().multiple_pc = multiple;
 
-    std::wstring machine;
-    std::wstring parent_line;
-    if (host_count != L"1" && multiple) {
-      std::size_t slash = parentPath.find(L'\\');
-      machine = parentPath.substr(0, slash);
-      parent_line = slash == std::wstring::npos ? L"" : parentPath.substr(slash + 1);
+  std::wstring machine;
+  std::wstring parent_line;
+  if (host_count != L"1" && multiple) {
+    std::size_t slash = parentPath.find(L'\\');
+    machine = parentPath.substr(0, slash);
+    parent_line = slash == std::wstring::npos ? L"" : parentPath.substr(slash + 1);
+  } else {
+    parent_line = OneHostParent(parentPath);
+  }
+  if (!foundation::WriteUtf16Lines(
+          destination_file, {L"0", L"4", WithoutTrailingBackslash(destPath), parent_line}))
+    foundation::Trace(L"API_ENTRY_RESTORE :: restdestdir.txt could not be written");
+
+  const std::wstring mpc = JoinPath(tempPath, L"MPC.ini");
+  if (host_count != L"1") {
+    if (!multiple) {
+      std::wstring user = profile::GetUserProfile(L"UserName");
+      if (user.empty()) user = session.current_user();
+      platform::WriteIniString(L"MPC", L"Hosts", user + L"|0;", mpc);
     } else {
-      parent_line = OneHostParent(parentPath);
+      auto entry = HostEntryFor(platform::ReadIniString(L"MPC", L"Hosts", mpc), machine);
+      // No entry names the computer: the list is narrowed to none rather than
+      // left whole, which would point the engine at another computer's backup.
+      if (!entry) foundation::Trace(L"API_ENTRY_RESTORE :: no host entry for " + machine);
+      platform::WriteIniString(L"MPC", L"Hosts", entry.value_or(L";"), mpc);
     }
-    if (!foundation::WriteUtf16Lines(
-            destination_file, {L"0", L"4", WithoutTrailingBackslash(destPath), parent_line}))
-      foundation::Trace(L"API_ENTRY_RESTORE :: restdestdir.txt could not be written");
+  }
+  platform::WriteIniString(L"MPC", L"HostCount", L"1", mpc);
 
-    const std::wstring mpc = JoinPath(tempPath, L"MPC.ini");
-    if (host_count != L"1") {
-      if (!multiple) {
-        std::wstring user = profile::GetUserProfile(L"UserName");
-        if (user.empty()) user = session.current_user();
-        platform::WriteIniString(L"MPC", L"Hosts", user + L"|0;", mpc);
-      } else {
-        auto entry = HostEntryFor(platform::ReadIniString(L"MPC", L"Hosts", mpc), machine);
-        // No entry names the computer: the list is narrowed to none rather than
-        // left whole, which would point the engine at another computer's backup.
-        if (!entry) foundation::Trace(L"API_ENTRY_RESTORE :: no host entry for " + machine);
-        platform::WriteIniString(L"MPC", L"Hosts", entry.value_or(L";"), mpc);
-      }
-    }
-    platform::WriteIniString(L"MPC", L"HostCount", L"1", mpc);
-
-    engine::DeleteExchangeFiles(tempPath);
-    auto process = engine::StartEngineCall(
-        {.program = engine::ConfiguredEngineProgram(),
-         .command = engine::kCodeRestore,
-         .folder = tempPath},
-        [&](const std::wstring& into) {
-          session.connection().WriteRequest(
-              into, engine::ProxyArguments(session.proxy(), kMachineCodeReadOnly));
-        });
-    if (process) {
-      platform::CurrentClock().Sleep(2000);
-      handle = static_cast<std::int32_t>(process->Release());
-    }
+  engine::DeleteExchangeFiles(tempPath);
+  auto process = engine::StartEngineCall(
+      {.program = engine::ConfiguredEngineProgram(),
+       .command = engine::kCodeRestore,
+       .folder = tempPath},
+      [&](const std::wstring& into) {
+        session.connection().WriteRequest(
+            into, engine::ProxyArguments(session.proxy(), kMachineCodeReadOnly));
+      });
+  if (process) {
+    platform::CurrentClock().Sleep(2000);
+    handle = static_cast<std::int32_t>(process->Release());
   }
   return handle;
 }
 
-VersionsResult FetchVersions(engine::Session session, const std::wstring& remote_file) {
+VersionsResult FetchVersions(engine::Session& session, const std::wstring& remote_file) {
   VersionsResult versions;
   PreloadFailureTextsFromMessageTable();
   versions.folder = engine::MakeExchangeFolder(session.UserFolder());

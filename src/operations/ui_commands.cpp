@@ -16,7 +16,8 @@ std::int16_t UICommands::W_GetQuota_Command(double& sMaxSize, double& sUsedSpace
   std::int16_t result = -1;
   try {
     foundation::Trace(L"Inside W_GetQuota_Command");
-    QuotaResult quota = ReadQuota(engine::Session::Open());
+    engine::Session session = engine::Session::Open();
+    QuotaResult quota = ReadQuota(session);
     if (quota.max_size) sMaxSize = *quota.max_size;
     if (quota.used_space) sUsedSpace = *quota.used_space;
     result = quota.result;

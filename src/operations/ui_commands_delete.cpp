@@ -7,7 +7,8 @@ namespace tavrine::operations {
 
 std::int32_t UICommands::W_DeleteRemoteFiles(const std::wstring& sInputDelete) {
   try {
-    return DeleteRemote(engine::Session::Open(), sInputDelete);
+    engine::Session session = engine::Session::Open();
+    return DeleteRemote(session, sInputDelete);
   } catch (...) {
     foundation::TraceException(L"W_DeleteRemoteFiles", foundation::DescribeCurrentException());
     return -1;
@@ -16,7 +17,7 @@ std::int32_t UICommands::W_DeleteRemoteFiles(const std::wstring& sInputDelete) {
 
 std::int32_t UICommands::W_Dummycall() {
   try {
-    return ProbeFirewall();
+    return ProbeFirewall(L"");
   } catch (...) {
     foundation::TraceException(L"W_Dummycall", foundation::DescribeCurrentException());
     return -1;
