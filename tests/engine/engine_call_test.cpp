@@ -111,22 +111,6 @@ class EngineCallTest : public ::testing::Test {
   std::wstring folder_;
 };
 
-TEST_F(EngineCallTest, TheRequestIsWrittenBeforeTheStartAndTheAnswerIsRead) {
-  install_.SetScenario(EngineScenario().On(114).Info(-504, "Network"));
-  EngineResult result = CallEngine({.program = FixedEngineProgram(), .command = 114, .folder = folder_},
-                                   [](const std::wstring& folder) {
-                                     testing::WriteFileBytes(
-                                         platform::ToFsPath(folder) / "DLLInput.txt", "request");
-                                   });
-  ASSERT_EQ(install_.Journal().size(), 1u);
-  EXPECT_EQ(install_.Journal()[0].request, std::optional<std::string>("request"));
-  EXPECT_EQ(result.end, RunEnd::kExited);
-  EXPECT_TRUE(result.read);
-  EXPECT_FALSE(result.answered);
-  EXPECT_TRUE(result.Is(EngineCode::kReconnect));
-  EXPECT_EQ(result.description, L"Network");
-}
-
 // When nothing (or nothing new) is read, the call keeps what the run before it had.
 TEST_F(EngineCallTest, WhatIsReadDependsOnHowTheRunEnded) {
   struct Case {
