@@ -13,6 +13,7 @@
 #include "foundation/time_format.h"
 #include "foundation/trace_log.h"
 #include "operations/remote_operations.h"
+#include "operations/retry_policies.h"
 #include "operations/shared_texts.h"
 #include "platform/path.h"
 #include "platform/services.h"
@@ -68,17 +69,6 @@ std::wstring MakeFirewallFolder(const std::wstring& base_path) {
   return folder;
 }
 
-// Tried again after 2000 ms on the listing's codes, four attempts; -505
-// renews the number when permitted.
-engine::RetryPolicy DeletePolicy(bool renewal_permitted) {
-  engine::RetryPolicy policy;
-  policy.attempts = 4;
-  policy.rules.push_back({.codes = engine::codes::kListingRetry, .pause_ms = 2000});
-  policy.renew = [] { RenewRandomNumber(); };
-  policy.renewal_permitted = renewal_permitted;
-  return policy;
-}
-
 }  // namespace
 
 std::int32_t DeleteRemote(engine::Session& session, const std::wstring& list_file) {
@@ -102,7 +92,8 @@ std::int32_t DeleteRemote(engine::Session& session, const std::wstring& list_fil
   spec.folder = folder;
   spec.poll_result = true;
   auto outcome = engine::RunWithRetry(
-      DeletePolicy(session.settings().renew_random_permitted),
+      // The listing's codes again after 2000 ms, four attempts.
+      ServerRetryPolicy(4, 2000, session),
       [&](const engine::EngineResult&) -> std::optional<engine::EngineResult> {
         engine::EngineResult result = engine::CallEngine(spec, [&](const std::wstring& into) {
           // Result files of an earlier attempt must not pass for this one's.

@@ -10,6 +10,7 @@
 #include "foundation/text_util.h"
 #include "foundation/trace_log.h"
 #include "operations/last_quota.h"
+#include "operations/retry_policies.h"
 #include "operations/shared_texts.h"
 #include "platform/services.h"
 
@@ -58,29 +59,6 @@ RetryPolicy RandomNumberPolicy() {
   policy.attempts = 4;
   static constexpr EngineCode kRetried[] = {EngineCode::kNoConnection};
   policy.rules.push_back({.codes = kRetried});
-  return policy;
-}
-
-RetryPolicy ListingPolicy(bool renewal_permitted) {
-  RetryPolicy policy;
-  policy.attempts = 10;
-  policy.rules.push_back({.codes = engine::codes::kListingRetry, .pause_ms = 1000});
-  policy.renew = [] { RenewRandomNumber(); };
-  policy.renewal_permitted = renewal_permitted;
-  return policy;
-}
-
-// -416 again at once; -504 logs in again first and reads the profile afresh.
-RetryPolicy QuotaPolicy(engine::Session& session) {
-  RetryPolicy policy;
-  policy.attempts = 4;
-  static constexpr EngineCode kAgain[] = {EngineCode::kNoConnection};
-  static constexpr EngineCode kLoginAgain[] = {EngineCode::kReconnect};
-  policy.rules.push_back({.codes = kAgain});
-  policy.rules.push_back({.codes = kLoginAgain,
-                          .pause_ms = 100,
-                          .before_pause = [] { Reconnect(); },
-                          .after_pause = [&session] { session.Reload(); }});
   return policy;
 }
 
@@ -206,7 +184,7 @@ std::int32_t ListRemote(engine::Session& session, const std::wstring& folder) {
 
   const std::wstring listing = JoinPath(folder, L"Backupfile.txt");
   auto outcome = engine::RunWithRetry(
-      ListingPolicy(session.settings().renew_random_permitted),
+      ServerRetryPolicy(10, 1000, session),
       [&](const EngineResult& previous) -> std::optional<EngineResult> {
         EngineResult result = engine::CallEngine(
             spec,
@@ -251,7 +229,8 @@ QuotaResult ReadQuota(engine::Session& session) {
   PreloadFailureTexts();
 
   const EngineCallSpec spec = PlainCall(engine::kCodeQuota, folder);
-  auto outcome = engine::RunWithRetry(QuotaPolicy(session), [&](const EngineResult& previous) {
+  // -416 again at once, four attempts.
+  auto outcome = engine::RunWithRetry(ReconnectingPolicy(4, 0, session), [&](const EngineResult& previous) {
     return std::optional<EngineResult>(engine::CallEngine(
         spec,
         [&](const std::wstring& into) {

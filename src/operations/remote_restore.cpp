@@ -10,6 +10,7 @@
 #include "foundation/text_util.h"
 #include "foundation/trace_log.h"
 #include "operations/remote_operations.h"
+#include "operations/retry_policies.h"
 #include "operations/shared_texts.h"
 #include "platform/ini_file.h"
 #include "platform/services.h"
@@ -48,21 +49,6 @@ std::optional<std::wstring> HostEntryFor(const std::wstring& hosts, const std::w
     begin = end + 1;
   }
   return std::nullopt;
-}
-
-// Three attempts; -416 again after a pause, -504 after logging in again and
-// reading the profile afresh.
-engine::RetryPolicy VersionsPolicy(engine::Session& session) {
-  engine::RetryPolicy policy;
-  policy.attempts = 3;
-  static constexpr engine::EngineCode kAgain[] = {engine::EngineCode::kNoConnection};
-  static constexpr engine::EngineCode kLoginAgain[] = {engine::EngineCode::kReconnect};
-  policy.rules.push_back({.codes = kAgain, .pause_ms = kPauseMs});
-  policy.rules.push_back({.codes = kLoginAgain,
-                          .pause_ms = kPauseMs,
-                          .before_pause = [] { Reconnect(); },
-                          .after_pause = [&session] { session.Reload(); }});
-  return policy;
 }
 
 }  // namespace
@@ -138,7 +124,8 @@ VersionsResult FetchVersions(engine::Session& session, const std::wstring& remot
                               .pause_ms = kPauseMs,
                               .read_without_start = false};
   auto outcome = engine::RunWithRetry(
-      VersionsPolicy(session),
+      // Three attempts, -416 again after 100 ms.
+      ReconnectingPolicy(3, kPauseMs, session),
       [&](const engine::EngineResult& previous) -> std::optional<engine::EngineResult> {
         engine::EngineResult result = engine::CallEngine(
             spec,
