@@ -198,6 +198,7 @@ LoginProcedure::LoginProcedure(LoginView& view, std::wstring opened_user)
     : view_(view), opened_user_(std::move(opened_user)) {}
 
 bool LoginProcedure::OnLogin() {
+  // The dialog stays open after any failure: it is traced and shown as "cannot connect".
   try {
     logged_in_ = Run();
   } catch (...) {

@@ -147,30 +147,23 @@ std::int32_t RenewRandomNumber() {
 }
 
 std::int32_t RenewRandomNumber(engine::Session& session) {
-  EngineResult last;
-  // The code read so far is the answer even when a later step fails.
-  try {
-    const std::wstring random = engine::GenerateRandomNumber();
-    std::wstring folder = engine::MakeExchangeFolder(session.UserFolder());
-    if (folder.empty()) return -1;
-    const EngineCallSpec spec = PlainCall(engine::kCodeUpdateRandom, folder);
-    engine::RunWithRetry(RandomNumberPolicy(), [&](const EngineResult& previous) {
-      last = engine::CallEngine(
-          spec,
-          [&](const std::wstring& into) {
-            session.connection().WriteRequest(into,
-                                              engine::ProxyArguments(session.proxy(), random));
-          },
-          previous);
-      if (!last.Is(EngineCode::kNoConnection))
-        engine::Connection::SetProfileValue(L"random", random);
-      return std::optional<EngineResult>(last);
-    });
-    DeleteFolderTree(folder);
-  } catch (...) {
-    foundation::TraceException(L"API_UPDATE_RAND_NUM", foundation::DescribeCurrentException());
-  }
-  return last.raw();
+  const std::wstring random = engine::GenerateRandomNumber();
+  std::wstring folder = engine::MakeExchangeFolder(session.UserFolder());
+  if (folder.empty()) return -1;
+  const EngineCallSpec spec = PlainCall(engine::kCodeUpdateRandom, folder);
+  auto outcome = engine::RunWithRetry(RandomNumberPolicy(), [&](const EngineResult& previous) {
+    EngineResult result = engine::CallEngine(
+        spec,
+        [&](const std::wstring& into) {
+          session.connection().WriteRequest(into, engine::ProxyArguments(session.proxy(), random));
+        },
+        previous);
+    if (!result.Is(EngineCode::kNoConnection))
+      engine::Connection::SetProfileValue(L"random", random);
+    return std::optional<EngineResult>(result);
+  });
+  DeleteFolderTree(folder);
+  return outcome.last.raw();
 }
 
 std::int32_t ListRemote(engine::Session& session, const std::wstring& folder) {

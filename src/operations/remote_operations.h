@@ -26,10 +26,10 @@ std::int32_t SilentLogin(engine::Session& session, const wchar_t* method);
 // is traced under the reconnect's name and gives -1, and the operation goes on.
 std::int32_t Reconnect();
 
-// Renews the client random number (command 5); the engine's code. A failure
-// is traced and gives the code read so far.
+// Renews the client random number (command 5); the engine's code.
 std::int32_t RenewRandomNumber(engine::Session& session);
-// The same in a session of its own, as the listing and the delete use it.
+// The same in a session of its own, as the listing and the delete use it: a
+// failure inside it is traced under its contract name and gives 0.
 std::int32_t RenewRandomNumber();
 
 // The listing (command 115) into the caller's folder, with its retries and the
