@@ -30,21 +30,13 @@ std::wstring FirstNonEmpty(std::wstring value, const std::wstring& fallback_key)
 
 }  // namespace
 
+// The profile store's shorthands trace their own failures and never throw.
 std::wstring Connection::ProfileValue(const std::wstring& key) {
-  // Profile reads never stop a request: a missing or unreadable store is an empty value.
-  try {
-    return profile::GetUserProfile(key);
-  } catch (...) {
-    return L"";
-  }
+  return profile::GetUserProfile(key);
 }
 
 void Connection::SetProfileValue(const std::wstring& key, const std::wstring& value) {
-  // A store that cannot be written leaves the value unsaved; the operation goes on.
-  try {
-    profile::UpdateUserProfile(key, value);
-  } catch (...) {
-  }
+  profile::UpdateUserProfile(key, value);
 }
 
 void WriteRequestLines(const std::wstring& folder, const std::vector<std::wstring>& lines) {
@@ -166,10 +158,7 @@ std::wstring GenerateRandomNumber() {
     number += std::to_wstring(std::min(static_cast<int>(255 * uniform(generator) + 1), 255));
   }
   // The number is returned even when it cannot be kept.
-  try {
-    profile::WriteStoredRandomNumber(number);
-  } catch (...) {
-  }
+  profile::WriteStoredRandomNumber(number);
   return number;
 }
 

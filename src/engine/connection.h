@@ -35,7 +35,7 @@ class Connection {
   // Address and port into the profile, under both of their names.
   void SaveServerAddress();
 
-  // A failing profile read is an empty value; a failing write is dropped.
+  // A failing profile read is an empty value; a failing write is dropped (and traced).
   static std::wstring ProfileValue(const std::wstring& key);
   static void SetProfileValue(const std::wstring& key, const std::wstring& value);
 
