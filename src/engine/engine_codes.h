@@ -12,6 +12,7 @@ enum class EngineCode : std::int32_t {
   kSuccessWithData = 402,
   // "Backup cancelled by the user"; also what an operation returns when the
   // engine wants a new random number and renewing it is not permitted.
+  kBackupCancelled = 401,
   kRenewalRefused = 401,
   kAddressResolved = 1000,
   kKeyStatusEmpty = 900,
@@ -19,6 +20,7 @@ enum class EngineCode : std::int32_t {
   kKeyStatusPrivate = 902,
   kUserNameUnknown = -40,
   kUserDoesNotExist = -50,
+  kPasswordChangedOnWeb = -400,
   kInvalidUserName = -401,
   kPasswordChanged = -403,
   kWrongEncryptionKey = -404,
@@ -31,6 +33,7 @@ enum class EngineCode : std::int32_t {
   kNoConnection = -416,
   kRestoreCancelled = -417,
   kCryptNotSupported = -422,
+  kOperationCancelled = -424,
   kReinstall = -431,
   kReconnect = -504,
   kMachineNotRegistered = -505,
