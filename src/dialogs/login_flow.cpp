@@ -382,7 +382,9 @@ LoginProcedure::CallResult LoginProcedure::RunCall(LoginCall call,
                           .pause_after_last = false,
                           .pump_around_pause = true,
                           // What the dialog reports while the attempts go on.
-                          .before_pause = [this] { last_code_ = engine::Raw(engine::EngineCode::kNoConnection); }});
+                          .before_pause = [this] {
+                            last_code_ = static_cast<std::int16_t>(engine::Raw(engine::EngineCode::kNoConnection));
+                          }});
   const engine::EngineCallSpec spec{.program = engine::ConfiguredEngineProgram(),
                                     .command = static_cast<int>(call),
                                     .folder = folder};

@@ -184,7 +184,7 @@ std::int32_t ListRemote(engine::Session& session, const std::wstring& folder) {
             [&](const std::wstring& into) {
               connection.RefreshWorkRoot();
               engine::DeleteExchangeFiles(connection.UserFolder());
-              // What an earlier run left in the caller's folder must not pass for this run's answer.
+              // What an earlier run left in the caller's folder is not this run's answer.
               engine::DeleteExchangeFiles(into);
               DeleteFileIfExists(listing);
               connection.WriteRequest(into, engine::ProxyArguments(
@@ -223,7 +223,8 @@ QuotaResult ReadQuota(engine::Session& session) {
 
   const EngineCallSpec spec = PlainCall(engine::kCodeQuota, folder);
   // -416 again at once, four attempts.
-  auto outcome = engine::RunWithRetry(ReconnectingPolicy(4, 0, session), [&](const EngineResult& previous) {
+  const RetryPolicy policy = ReconnectingPolicy(4, 0, session);
+  auto outcome = engine::RunWithRetry(policy, [&](const EngineResult& previous) {
     return std::optional<EngineResult>(engine::CallEngine(
         spec,
         [&](const std::wstring& into) {

@@ -20,7 +20,6 @@ namespace tavrine::operations {
 
 namespace {
 
-using foundation::CurrentSettings;
 using foundation::JoinPath;
 
 constexpr const wchar_t* kMachineCodeReadOnly = L"MACHINECODEREADONLY";
@@ -62,7 +61,7 @@ std::int32_t StartRestore(engine::Session& session, const std::wstring& destPath
 
   const std::wstring host_count = engine::Connection::ProfileValue(L"HostCount");
   const bool multiple = !host_count.empty() && host_count != L"0";
-  CurrentSettings().multiple_pc = multiple;
+  session.settings().multiple_pc = multiple;
 
   std::wstring machine;
   std::wstring parent_line;
@@ -140,8 +139,8 @@ VersionsResult FetchVersions(engine::Session& session, const std::wstring& remot
       });
   versions.result = outcome.stop == engine::RetryStop::kAborted ? -1 : outcome.last.raw();
   if (versions.result == engine::EngineCode::kPasswordChanged) {
-    platform::CurrentUi().ShowMessageBox(CurrentSettings().password_changed_text,
-                                         CurrentSettings().message_title,
+    platform::CurrentUi().ShowMessageBox(session.settings().password_changed_text,
+                                         session.settings().message_title,
                                          platform::kMbOk | platform::kMbIconStop);
   }
   return versions;
