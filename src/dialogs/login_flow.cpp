@@ -31,6 +31,8 @@ using foundation::JoinPath;
 using foundation::Trace;
 
 constexpr const wchar_t* kMachineCode = L"MACHINECODEREADONLY";
+constexpr auto kNoConnectionCode =
+    static_cast<std::int16_t>(engine::Raw(engine::EngineCode::kNoConnection));
 constexpr const wchar_t* kSupportEmail = L"support@tavrine.com";
 constexpr const wchar_t* kProSignupPage = L"https://www.tavrine.com/tavrine/jsp/tve_prosignup.jsp";
 constexpr const wchar_t* kProxyValueNames[] = {L"Proxyset",  L"proxytypehttp", L"proxytypesocks",
@@ -382,9 +384,7 @@ LoginProcedure::CallResult LoginProcedure::RunCall(LoginCall call,
                           .pause_after_last = false,
                           .pump_around_pause = true,
                           // What the dialog reports while the attempts go on.
-                          .before_pause = [this] {
-                            last_code_ = static_cast<std::int16_t>(engine::Raw(engine::EngineCode::kNoConnection));
-                          }});
+                          .before_pause = [this] { last_code_ = kNoConnectionCode; }});
   const engine::EngineCallSpec spec{.program = engine::ConfiguredEngineProgram(),
                                     .command = static_cast<int>(call),
                                     .folder = folder};
