@@ -385,12 +385,12 @@ LoginProcedure::CallResult LoginProcedure::RunCall(LoginCall call,
                           .pump_around_pause = true,
                           // What the dialog reports while the attempts go on.
                           .before_pause = [this] { last_code_ = kNoConnectionCode; }});
-  const engine::EngineCallSpec spec{.program = engine::ConfiguredEngineProgram(),
+  const engine::EngineCallSetup setup{.program = engine::ConfiguredEngineProgram(),
                                     .command = static_cast<int>(call),
                                     .folder = folder};
   auto outcome = engine::RunWithRetry(policy, [&](const engine::EngineResult&) {
     return std::optional<engine::EngineResult>(
-        engine::CallEngine(spec, [&](const std::wstring& into) {
+        engine::CallEngine(setup, [&](const std::wstring& into) {
           engine::DeleteExchangeFiles(into);
           foundation::WriteUtf16Lines(JoinPath(into, L"DLLInput.txt"), request);
         }));

@@ -12,14 +12,14 @@ namespace {
 constexpr std::uint32_t kResultPollMs = 100;
 constexpr std::uint32_t kResultPollLimitMs = 10000;
 
-RunEnd Wait(const EngineCallSpec& spec, platform::RunningProcess* process) {
-  switch (spec.wait) {
+RunEnd Wait(const EngineCallSetup& setup, platform::RunningProcess* process) {
+  switch (setup.wait) {
     case WaitKind::kPausing:
-      return WaitPausing(process, spec.pause_ms);
+      return WaitPausing(process, setup.pause_ms);
     case WaitKind::kPumping:
-      return WaitPumping(process, spec.pause_ms);
+      return WaitPumping(process, setup.pause_ms);
     case WaitKind::kCancellable:
-      return WaitCancellable(process, spec.cancel_marker);
+      return WaitCancellable(process, setup.cancel_marker);
     case WaitKind::kPlain:
       break;
   }
@@ -55,24 +55,24 @@ void PauseBetween(const RetryRule& rule, bool last) {
 
 std::int32_t EngineResult::raw() const { return foundation::RoundToInt32(value); }
 
-std::unique_ptr<platform::RunningProcess> StartEngineCall(const EngineCallSpec& spec,
+std::unique_ptr<platform::RunningProcess> StartEngineCall(const EngineCallSetup& setup,
                                                           const RequestWrite& write_request) {
-  if (write_request) write_request(spec.folder);
-  return StartEngine(spec.program, spec.command, spec.folder);
+  if (write_request) write_request(setup.folder);
+  return StartEngine(setup.program, setup.command, setup.folder);
 }
 
-EngineResult CallEngine(const EngineCallSpec& spec, const RequestWrite& write_request,
+EngineResult CallEngine(const EngineCallSetup& setup, const RequestWrite& write_request,
                         EngineResult previous) {
   EngineResult result = std::move(previous);
   result.answered = false;
   result.read = false;
-  auto process = StartEngineCall(spec, write_request);
-  result.end = Wait(spec, process.get());
-  if (result.end == RunEnd::kNotStarted && !spec.read_without_start) return result;
-  if (spec.poll_result && (result.end != RunEnd::kExited || !PollForResult(spec.folder)))
+  auto process = StartEngineCall(setup, write_request);
+  result.end = Wait(setup, process.get());
+  if (result.end == RunEnd::kNotStarted && !setup.read_without_start) return result;
+  if (setup.poll_result && (result.end != RunEnd::kExited || !PollForResult(setup.folder)))
     return result;
   result.read = true;
-  ResultFile file = ReadResultFile(spec.folder);
+  ResultFile file = ReadResultFile(setup.folder);
   result.answered = file.answered;
   if (file.value) result.value = *file.value;
   if (file.description) result.description = *file.description;

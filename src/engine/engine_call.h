@@ -22,7 +22,7 @@ enum class WaitKind {
   kCancellable,  // 1000 ms slices; a cancel marker terminates the engine
 };
 
-struct EngineCallSpec {
+struct EngineCallSetup {
   std::wstring program = {};
   int command = 0;
   std::wstring folder = {};
@@ -54,13 +54,13 @@ using RequestWrite = std::function<void(const std::wstring& folder)>;
 
 // One round trip. `previous` is what the call starts from: a run that leaves
 // no result code keeps the value and description of the run before it (pass
-// {} for a fresh start). See EngineCallSpec for when nothing is read.
-EngineResult CallEngine(const EngineCallSpec& spec, const RequestWrite& write_request,
+// {} for a fresh start). See EngineCallSetup for when nothing is read.
+EngineResult CallEngine(const EngineCallSetup& setup, const RequestWrite& write_request,
                         EngineResult previous = {});
 
 // Writes the request and starts the engine without waiting for it; null when
 // it could not be started.
-std::unique_ptr<platform::RunningProcess> StartEngineCall(const EngineCallSpec& spec,
+std::unique_ptr<platform::RunningProcess> StartEngineCall(const EngineCallSetup& setup,
                                                           const RequestWrite& write_request);
 
 // Codes that run the call again, and what happens between the attempts.

@@ -86,16 +86,16 @@ std::int32_t DeleteRemote(engine::Session& session, const std::wstring& list_fil
     foundation::Trace(L"API_DELETE_REMOTE_FILE :: the list could not be copied: " + list_file);
   }
 
-  engine::EngineCallSpec spec;
-  spec.program = engine::FixedEngineProgram();
-  spec.command = engine::kCodeDelete;
-  spec.folder = folder;
-  spec.poll_result = true;
+  engine::EngineCallSetup setup;
+  setup.program = engine::FixedEngineProgram();
+  setup.command = engine::kCodeDelete;
+  setup.folder = folder;
+  setup.poll_result = true;
   auto outcome = engine::RunWithRetry(
       // The listing's codes again after 2000 ms, four attempts.
       ServerRetryPolicy(4, 2000, session),
       [&](const engine::EngineResult&) -> std::optional<engine::EngineResult> {
-        engine::EngineResult result = engine::CallEngine(spec, [&](const std::wstring& into) {
+        engine::EngineResult result = engine::CallEngine(setup, [&](const std::wstring& into) {
           // Result files of an earlier attempt must not pass for this one's.
           engine::DeleteExchangeFiles(into);
           session.connection().WriteRequest(
@@ -152,11 +152,11 @@ std::int32_t ProbeFirewall(const std::wstring& known_address) {
     }
   }
   // Started and not waited for: the marker tells whether an earlier run got through.
-  engine::EngineCallSpec spec;
-  spec.program = engine::FixedEngineProgram();
-  spec.command = engine::kCodeLogin;
-  spec.folder = folder;
-  engine::StartEngineCall(spec, nullptr);
+  engine::EngineCallSetup setup;
+  setup.program = engine::FixedEngineProgram();
+  setup.command = engine::kCodeLogin;
+  setup.folder = folder;
+  engine::StartEngineCall(setup, nullptr);
   if (FileExists(marker)) {
     foundation::DeleteFileIfExists(marker);
     result = 1;

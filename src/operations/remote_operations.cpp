@@ -18,7 +18,7 @@ namespace tavrine::operations {
 
 namespace {
 
-using engine::EngineCallSpec;
+using engine::EngineCallSetup;
 using engine::EngineCode;
 using engine::EngineResult;
 using engine::RetryPolicy;
@@ -35,12 +35,12 @@ void ShowStopBox(const std::wstring& text, const std::wstring& title) {
   platform::CurrentUi().ShowMessageBox(text, title, platform::kMbOk | platform::kMbIconStop);
 }
 
-EngineCallSpec PlainCall(int command, const std::wstring& folder) {
-  EngineCallSpec spec;
-  spec.program = engine::ConfiguredEngineProgram();
-  spec.command = command;
-  spec.folder = folder;
-  return spec;
+EngineCallSetup PlainCall(int command, const std::wstring& folder) {
+  EngineCallSetup setup;
+  setup.program = engine::ConfiguredEngineProgram();
+  setup.command = command;
+  setup.folder = folder;
+  return setup;
 }
 
 // Ten attempts, two seconds apart; no answer at all (0) counts as transient on purpose.
@@ -102,10 +102,10 @@ std::int32_t SilentLogin(engine::Session& session, const wchar_t* method) {
     return -1;
   }
   const std::wstring request = JoinPath(folder, L"DLLInput.txt");
-  const EngineCallSpec spec = PlainCall(engine::kCodeLogin, folder);
+  const EngineCallSetup setup = PlainCall(engine::kCodeLogin, folder);
   auto outcome = engine::RunWithRetry(SilentLoginPolicy(), [&](const EngineResult& previous) {
     EngineResult result = engine::CallEngine(
-        spec,
+        setup,
         [&](const std::wstring& into) {
           connection.WriteRequest(into,
                                   engine::ProxyArguments(session.proxy(), kMachineCodeReadOnly));
@@ -150,10 +150,10 @@ std::int32_t RenewRandomNumber(engine::Session& session) {
   const std::wstring random = engine::GenerateRandomNumber();
   std::wstring folder = engine::MakeExchangeFolder(session.UserFolder());
   if (folder.empty()) return -1;
-  const EngineCallSpec spec = PlainCall(engine::kCodeUpdateRandom, folder);
+  const EngineCallSetup setup = PlainCall(engine::kCodeUpdateRandom, folder);
   auto outcome = engine::RunWithRetry(RandomNumberPolicy(), [&](const EngineResult& previous) {
     EngineResult result = engine::CallEngine(
-        spec,
+        setup,
         [&](const std::wstring& into) {
           session.connection().WriteRequest(into, engine::ProxyArguments(session.proxy(), random));
         },
@@ -169,18 +169,18 @@ std::int32_t RenewRandomNumber(engine::Session& session) {
 std::int32_t ListRemote(engine::Session& session, const std::wstring& folder) {
   if (!engine::CallerFolderExists(folder, L"API_REMOTE")) return -1;
   engine::Connection& connection = session.connection();
-  EngineCallSpec spec = PlainCall(engine::kCodeListing, folder);
-  spec.wait = engine::WaitKind::kCancellable;
-  spec.cancel_marker = JoinPath(folder, L"cancel.txt");
-  spec.poll_result = true;
-  if (FileExists(spec.cancel_marker)) return -1;
+  EngineCallSetup setup = PlainCall(engine::kCodeListing, folder);
+  setup.wait = engine::WaitKind::kCancellable;
+  setup.cancel_marker = JoinPath(folder, L"cancel.txt");
+  setup.poll_result = true;
+  if (FileExists(setup.cancel_marker)) return -1;
 
   const std::wstring listing = JoinPath(folder, L"Backupfile.txt");
   auto outcome = engine::RunWithRetry(
       ServerRetryPolicy(10, 1000, session),
       [&](const EngineResult& previous) -> std::optional<EngineResult> {
         EngineResult result = engine::CallEngine(
-            spec,
+            setup,
             [&](const std::wstring& into) {
               connection.RefreshWorkRoot();
               engine::DeleteExchangeFiles(connection.UserFolder());
@@ -201,7 +201,7 @@ std::int32_t ListRemote(engine::Session& session, const std::wstring& folder) {
                                                  : EngineCode::kNothingToShow);
         }
         DeleteFileIfExists(JoinPath(folder, L"DLLInput.txt"));
-        if (FileExists(spec.cancel_marker)) return std::nullopt;
+        if (FileExists(setup.cancel_marker)) return std::nullopt;
         return result;
       });
   if (outcome.stop == RetryStop::kAborted) return -1;
@@ -221,12 +221,12 @@ QuotaResult ReadQuota(engine::Session& session) {
   }
   PreloadFailureTexts();
 
-  const EngineCallSpec spec = PlainCall(engine::kCodeQuota, folder);
+  const EngineCallSetup setup = PlainCall(engine::kCodeQuota, folder);
   // -416 again at once, four attempts.
   const RetryPolicy policy = ReconnectingPolicy(4, 0, session);
   auto outcome = engine::RunWithRetry(policy, [&](const EngineResult& previous) {
     return std::optional<EngineResult>(engine::CallEngine(
-        spec,
+        setup,
         [&](const std::wstring& into) {
           session.connection().WriteRequest(
               into, engine::ProxyArguments(session.proxy(), kMachineCodeReadOnly));

@@ -116,7 +116,7 @@ VersionsResult FetchVersions(engine::Session& session, const std::wstring& remot
     foundation::Trace(L"API_GETVERSIONS :: exchange folder could not be created");
     return versions;
   }
-  engine::EngineCallSpec spec{.program = engine::ConfiguredEngineProgram(),
+  engine::EngineCallSetup setup{.program = engine::ConfiguredEngineProgram(),
                               .command = engine::kCodeVersions,
                               .folder = versions.folder,
                               .wait = engine::WaitKind::kPausing,
@@ -127,7 +127,7 @@ VersionsResult FetchVersions(engine::Session& session, const std::wstring& remot
       ReconnectingPolicy(3, kPauseMs, session),
       [&](const engine::EngineResult& previous) -> std::optional<engine::EngineResult> {
         engine::EngineResult result = engine::CallEngine(
-            spec,
+            setup,
             [&](const std::wstring& into) {
               session.connection().WriteVersionRequest(
                   into, engine::ProxyArguments(session.proxy(), kMachineCodeReadOnly),
