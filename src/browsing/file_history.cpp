@@ -6,13 +6,13 @@
 #include "browsing/browsing_state.h"
 #include "browsing/file_time.h"
 #include "browsing/remote_tree.h"
-#include "engine/cls_client.h"
+#include "engine/session.h"
 #include "foundation/file_system.h"
 #include "foundation/settings.h"
 #include "foundation/text_file.h"
 #include "foundation/tokenizer.h"
 #include "foundation/trace_log.h"
-#include "operations/cls_api_interface.h"
+#include "operations/remote_operations.h"
 
 namespace tavrine::browsing {
 
@@ -49,9 +49,10 @@ std::int32_t CTavrinEFileHistory::GetFirstVersion(const std::wstring& filename,
   try {
     Init();
     base_path_ = foundation::ComputeWorkRoot();
-    std::wstring folder;
-    std::int32_t result = operations::clsAPI_Interface().API_GETVERSIONS(filename, folder);
-    folder_ = folder;
+    engine::Session session = engine::Session::Open();
+    operations::VersionsResult versions = operations::FetchVersions(session, filename);
+    std::int32_t result = versions.result;
+    folder_ = versions.folder;
     if (result == 402 && FetchAllVersions() == 1) return GetFileVersion(sfirstVer);
     if (!folder_.empty()) foundation::DeleteFolderTree(folder_);
     return -1;
@@ -72,9 +73,7 @@ std::int32_t CTavrinEFileHistory::GetNextVersion(FileVersions& sfirstVer) {
 
 std::int32_t CTavrinEFileHistory::FetchAllVersions() {
   try {
-    engine::clsClient client;
-    client.LoadConfigurations();
-    client.GetCurrentUser();
+    engine::Session::Open();
     const std::wstring file = foundation::JoinPath(folder_, L"BackupVersion.txt");
     if (!foundation::FileExists(file)) return -1;
     auto lines = foundation::ReadAnsiLines(file);

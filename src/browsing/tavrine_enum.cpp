@@ -2,7 +2,8 @@
 
 #include "browsing/browsing_state.h"
 #include "browsing/case_fold.h"
-#include "engine/cls_client.h"
+#include "engine/result_file.h"
+#include "engine/session.h"
 #include "engine/engine_run.h"
 #include "engine/exchange_folder.h"
 #include "engine/proxy.h"
@@ -76,13 +77,11 @@ std::wstring JoinedList(const std::vector<std::wstring>& machines) {
 
 std::int16_t TavrinEenum::TavrinEInit() {
   try {
-    engine::clsClient client;
-    client.LoadConfigurations();
-    client.GetCurrentUser();
-    engine::ProxySettings proxy;
-    client.LoadProxySettings(proxy);
-    const std::wstring host_id = client.GetUserProfile(L"HostID");
-    std::wstring machine_count = client.GetUserProfile(L"Count");
+    engine::Session session = engine::Session::Open();
+    engine::Connection& client = session.connection();
+    const engine::ProxySettings proxy = session.proxy();
+    const std::wstring host_id = client.ProfileValue(L"HostID");
+    std::wstring machine_count = client.ProfileValue(L"Count");
     Trace(L"TavrinEInit :: strHostId : " + host_id + L"  strMachineCount : " + machine_count);
     Trace(L"TavrinEInit :: Calling GetMultiplePCInfo");
     GetMultiplePCInfo();
@@ -102,17 +101,14 @@ std::int16_t TavrinEenum::TavrinEInit() {
       return 0;
     }
 
-    client.WriteDLLInputFileTempFdPC(
-        folder, engine::ProxyArguments(proxy, engine::RandomNumberForRequest(client)));
+    client.WriteMachineRequest(
+        folder, engine::ProxyArguments(proxy, engine::RandomNumberForRequest()));
     auto process = engine::StartEngine(engine::FixedEngineProgram(), engine::kCodeBrowseInit, folder);
     if (!process) return 0;
     if (engine::WaitPumping(process.get(), kPauseMs) != engine::RunEnd::kExited) return 0;
 
-    bool has_result = false;
-    std::wstring description;
-    double value = 0;
-    client.ReadDLLOutputFileTempFd(folder, has_result, description, value);
-    machine_count = client.GetUserProfile(L"Count");
+    engine::ReadResultFile(folder);
+    machine_count = client.ProfileValue(L"Count");
     Trace(L"TavrinEInit :: AFTER 122 CALL strPCInfo = " + machine_count);
     MultiplePcSupport() = CountMeansSeveral(machine_count);
     Trace(MultiplePcSupport() ? L"TavrinEInit :: g_bMultiplePCSupport = True "
@@ -184,12 +180,11 @@ std::int16_t TavrinEenum::TavrinELocalRefresh() {
   std::int16_t result = 0;
   try {
     TavrinEExitInstance();
-    engine::clsClient client;
-    client.LoadConfigurations();
-    client.GetCurrentUser();
-    const std::wstring list = client.GetUserProfile(L"List");
-    std::wstring hosts = client.GetUserProfile(L"HostCount");
-    if (!CountMeansSeveral(hosts)) hosts = client.GetUserProfile(L"Count");
+    engine::Session session = engine::Session::Open();
+    engine::Connection& client = session.connection();
+    const std::wstring list = client.ProfileValue(L"List");
+    std::wstring hosts = client.ProfileValue(L"HostCount");
+    if (!CountMeansSeveral(hosts)) hosts = client.ProfileValue(L"Count");
     MultiplePcSupport() = !list.empty() && CountMeansSeveral(hosts);
     user_name_ = BrowsingUserName();
 
@@ -237,11 +232,9 @@ std::int32_t TavrinEenum::GetFileVersion(FileVersions& filever) {
 std::int32_t TavrinEenum::GetMultiplePCInfo() {
   std::int32_t result = -1;
   try {
-    engine::clsClient client;
-    client.LoadConfigurations();
-    client.GetCurrentUser();
-    engine::ProxySettings proxy;
-    client.LoadProxySettings(proxy);
+    engine::Session session = engine::Session::Open();
+    engine::Connection& client = session.connection();
+    const engine::ProxySettings proxy = session.proxy();
     const std::wstring user = BrowsingUserName();
     if (!profile::IsSafeName(user)) {
       Trace(L"GetMultiplePCInfo : the user name cannot be a folder name");
@@ -255,13 +248,10 @@ std::int32_t TavrinEenum::GetMultiplePCInfo() {
     operations::PresetConnectionFailureText();
 
     Trace(L"GetMultiplePCInfo :: Cmd line   119 ");
-    client.WriteDLLInputFileTempFd(
-        folder, engine::ProxyArguments(proxy, engine::RandomNumberForRequest(client)));
+    client.WriteRequest(
+        folder, engine::ProxyArguments(proxy, engine::RandomNumberForRequest()));
     engine::RunEngine(engine::ConfiguredEngineProgram(), engine::kCodeMachineList, folder);
-    bool has_result = false;
-    std::wstring description;
-    double value = 0;
-    client.ReadDLLOutputFileTempFd(folder, has_result, description, value);
+    const double value = engine::ReadResultFile(folder).value.value_or(0);
     foundation::DeleteFolderTree(folder);
     result = foundation::RoundToInt32(value);
     Trace(L"GetMultiplePCInfo :: apiremoteretval  " + std::to_wstring(result));
@@ -270,11 +260,11 @@ std::int32_t TavrinEenum::GetMultiplePCInfo() {
     if (result == -400) {
       foundation::CurrentSettings().last_error_text = kPasswordChangedTwoLines;
     } else if (result == 402) {
-      const std::wstring count = client.GetUserProfile(L"Count");
+      const std::wstring count = client.ProfileValue(L"Count");
       if (foundation::LeadingNumber(count) != 0) {
         Trace(L"GetMultiplePCInfo :: More than one machine so g_bMultiplePCSupport ");
         MultiplePcSupport() = true;
-        const std::wstring list = client.GetUserProfile(L"List");
+        const std::wstring list = client.ProfileValue(L"List");
         std::wstring hosts_text = list;
         if (list.empty()) {
           AddMachine(state.machine_list, user);
@@ -304,13 +294,12 @@ std::int32_t TavrinEenum::GetMultiplePCInfo() {
 
 std::int32_t TavrinEenum::ReadMachineList() {
   try {
-    engine::clsClient client;
-    client.LoadConfigurations();
-    client.GetCurrentUser();
+    engine::Session session = engine::Session::Open();
+    engine::Connection& client = session.connection();
     const std::wstring user = BrowsingUserName();
     BrowsingState& state = CurrentBrowsingState();
     state.machine_list.clear();
-    const std::wstring list = client.GetUserProfile(L"List");
+    const std::wstring list = client.ProfileValue(L"List");
     if (!profile::IsSafeName(user)) {
       Trace(L"ReadMachineList : the user name cannot be a folder name");
       return -1;

@@ -10,17 +10,17 @@
 
 #include "com/com_call.h"
 #include "browsing/tavrine_enum.h"
-#include "engine/cls_client.h"
+#include "contract/cls_api_interface.h"
+#include "contract/cls_client.h"
 #include "operations/c_backup.h"
 #include "operations/c_restore.h"
-#include "operations/cls_api_interface.h"
 #include "operations/ui_commands.h"
 
 namespace tavrine::com {
 
 using UICommandsImpl = tavrine::operations::UICommands;
-using clsAPI_InterfaceImpl = tavrine::operations::clsAPI_Interface;
-using clsClientImpl = tavrine::engine::clsClient;
+using clsAPI_InterfaceImpl = tavrine::contract::clsAPI_Interface;
+using clsClientImpl = tavrine::contract::clsClient;
 using CRestoreImpl = tavrine::operations::CRestore;
 using CBackupImpl = tavrine::operations::CBackup;
 using TavrinEenumImpl = tavrine::browsing::TavrinEenum;

@@ -1,7 +1,7 @@
 #include "dialogs/dialog_host.h"
 
 #include "foundation/settings.h"
-#include "operations/cls_api_interface.h"
+#include "operations/remote_operations.h"
 #include "profile/profile_store.h"
 
 namespace tavrine::dialogs {
@@ -30,8 +30,8 @@ SessionInfo LoadSessionInfo() {
 }
 
 std::optional<operations::QuotaReading> RefreshQuota() {
-  double max_size = 0, used = 0;
-  operations::clsAPI_Interface().API_GetQuota(max_size, used);
+  engine::Session session = engine::Session::Open();
+  operations::ReadQuota(session);
   return operations::LastQuota();
 }
 

@@ -10,7 +10,7 @@
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/trace_log.h"
-#include "operations/cls_api_interface.h"
+#include "operations/remote_operations.h"
 #include "operations/schedule_control.h"
 #include "platform/module_folder.h"
 #include "platform/path.h"
@@ -109,9 +109,7 @@ std::int32_t CBackup::DoBackupInit(std::int32_t lHandle, const std::wstring& str
 }
 
 void CBackup::PrepareBackup() {
-  engine::clsClient client;
-  client.LoadConfigurations();
-  user_ = client.GetCurrentUser();
+  user_ = engine::Session::Open().current_user();
   // A pause still in place (a backup that never reached its exit) is kept.
   if (auto status = ReadSchedulerStatus(user_); status && !status->empty()) {
     DisableScheduleBackup(user_);
@@ -132,9 +130,10 @@ std::int32_t CBackup::W_DoBackup(std::int32_t& lResult) {
       EnableScheduleBackup(user);
       return kCancelled;
     }
-    std::int16_t completed = 0;
-    std::int32_t process = clsAPI_Interface().API_ENTRY(temp_path_, completed);
-    lResult = completed;
+    engine::Session session = engine::Session::Open();
+    EntryStart entry = StartSessionEntry(session, temp_path_);
+    std::int32_t process = entry.handle;
+    lResult = entry.completed ? 1 : 0;
     if (process == -1) {
       foundation::Trace(L"W_DoBackup :: the upload could not be started");
       EnableScheduleBackup(user);
@@ -256,7 +255,8 @@ std::int32_t CBackup::BackupInit() {
       return -1;
     }
     if (IsBackupCancelled()) return kCancelled;
-    std::int32_t listing = clsAPI_Interface().API_REMOTE(temp_path_);
+    engine::Session session = engine::Session::Open();
+    std::int32_t listing = ListRemote(session, temp_path_);
     if (IsBackupCancelled()) return kCancelled;
     if (listing != 402 && listing != -412) return listing;
 

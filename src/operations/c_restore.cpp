@@ -2,10 +2,10 @@
 
 #include <filesystem>
 
-#include "engine/cls_client.h"
+#include "engine/session.h"
 #include "engine/exchange_folder.h"
 #include "foundation/trace_log.h"
-#include "operations/cls_api_interface.h"
+#include "operations/remote_operations.h"
 #include "platform/path.h"
 
 namespace tavrine::operations {
@@ -13,7 +13,8 @@ namespace tavrine::operations {
 std::int32_t CRestore::W_Restore(const std::wstring& destPath, const std::wstring& parentPath,
                                  const std::wstring& tempPath) {
   try {
-    return clsAPI_Interface().API_ENTRY_RESTORE(destPath, parentPath, tempPath);
+    engine::Session session = engine::Session::Open();
+    return StartRestore(session, destPath, parentPath, tempPath);
   } catch (...) {
     foundation::TraceException(L"W_Restore", foundation::DescribeCurrentException());
     return -1;
@@ -22,12 +23,11 @@ std::int32_t CRestore::W_Restore(const std::wstring& destPath, const std::wstrin
 
 std::int32_t CRestore::W_GetVersions(const std::wstring& filename) {
   try {
-    engine::clsClient client;
-    client.LoadConfigurations();
-    client.GetCurrentUser();
-    const std::wstring made = engine::MakeExchangeFolder(client.UserFolder());
-    std::wstring folder = made;
-    std::int32_t result = clsAPI_Interface().API_GETVERSIONS(filename, folder);
+    engine::Session session = engine::Session::Open();
+    const std::wstring made = engine::MakeExchangeFolder(session.UserFolder());
+    VersionsResult versions = FetchVersions(session, filename);
+    const std::wstring& folder = versions.folder;
+    std::int32_t result = versions.result;
     // The method works in a folder of its own; the one made here stays unused.
     if (!made.empty() && folder != made) {
       std::error_code ignored;

@@ -3,7 +3,7 @@
 #include "foundation/message_table.h"
 #include "foundation/settings.h"
 #include "foundation/trace_log.h"
-#include "operations/cls_api_interface.h"
+#include "operations/remote_operations.h"
 #include "profile/profile_store.h"
 
 namespace tavrine::operations {
@@ -16,7 +16,11 @@ std::int16_t UICommands::W_GetQuota_Command(double& sMaxSize, double& sUsedSpace
   std::int16_t result = -1;
   try {
     foundation::Trace(L"Inside W_GetQuota_Command");
-    result = clsAPI_Interface().API_GetQuota(sMaxSize, sUsedSpace);
+    engine::Session session = engine::Session::Open();
+    QuotaResult quota = ReadQuota(session);
+    if (quota.max_size) sMaxSize = *quota.max_size;
+    if (quota.used_space) sUsedSpace = *quota.used_space;
+    result = quota.result;
     // Only a completed call with a quota says anything about the plan.
     if (result == 0 && sMaxSize != 0) {
       std::wstring wanted = IsFreePlanQuota(sMaxSize) ? L"1" : L"0";
@@ -41,7 +45,7 @@ std::int32_t UICommands::W_GetCurrentUserName(std::wstring& sUsername) {
   return result;
 }
 
-std::int32_t UICommands::W_AutoReconnect() { return clsAPI_Interface().API_AutoReconnect(); }
+std::int32_t UICommands::W_AutoReconnect() { return Reconnect(); }
 
 std::int32_t UICommands::W_GetMessageString(std::int32_t MessageCode, std::wstring& MessageRet) {
   try {

@@ -1,4 +1,4 @@
-#include "operations/cls_api_interface.h"
+#include "operations/remote_operations.h"
 #include "operations/ui_commands.h"
 
 #include "foundation/trace_log.h"
@@ -7,7 +7,8 @@ namespace tavrine::operations {
 
 std::int32_t UICommands::W_DeleteRemoteFiles(const std::wstring& sInputDelete) {
   try {
-    return clsAPI_Interface().API_DELETE_REMOTE_FILE(sInputDelete);
+    engine::Session session = engine::Session::Open();
+    return DeleteRemote(session, sInputDelete);
   } catch (...) {
     foundation::TraceException(L"W_DeleteRemoteFiles", foundation::DescribeCurrentException());
     return -1;
@@ -16,7 +17,7 @@ std::int32_t UICommands::W_DeleteRemoteFiles(const std::wstring& sInputDelete) {
 
 std::int32_t UICommands::W_Dummycall() {
   try {
-    return clsAPI_Interface().API_FirewallSettings();
+    return ProbeFirewall(L"");
   } catch (...) {
     foundation::TraceException(L"W_Dummycall", foundation::DescribeCurrentException());
     return -1;

@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "foundation/settings.h"
-#include "operations/cls_api_interface.h"
+#include "contract/cls_api_interface.h"
 #include "operations/ui_commands.h"
 #include "operations/session_fixture.h"
 #include "platform/path.h"
@@ -15,6 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::EngineScenario;
 using testing::SessionTest;
+using contract::clsAPI_Interface;
 
 constexpr char kList[] = "C:\\Docs\\a.txt\r\nC:\\Docs\\old\\\r\n";
 
@@ -44,7 +45,6 @@ TEST_F(RemoteDelete, OutcomePerAnswer) {
   const Case cases[] = {
       {"402", EngineScenario().On(6).Output(402), 1, 1, 0, nullptr, 0},
       {"zero", EngineScenario().On(6).Output(0), 1, 1, 0, nullptr, 0},
-      {"busy then done", EngineScenario().On(6).Info(-416).Then().Output(402), 1, 2, 1, nullptr, 0},
       // A stale DLLOutput.txt of the first attempt must not win over the second answer.
       {"stale output", EngineScenario().On(6).Output(-416).Then().Info(-408), -408, 2, 1,
        L"Unable to get files from server", platform::kMbIconInformation},
@@ -87,20 +87,13 @@ TEST_F(RemoteDelete, OutcomePerAnswer) {
   }
 }
 
-TEST_F(RemoteDelete, UnregisteredMachineEndsAt401UnlessRenewalIsPermitted) {
+// The renewal itself is the listing's (same policy); here only what refusing it leaves.
+TEST_F(RemoteDelete, UnregisteredMachineEndsAt401WhenRenewalIsNotPermitted) {
   install_.SetScenario(EngineScenario().On(6).Info(-505));
   EXPECT_EQ(clsAPI_Interface().API_DELETE_REMOTE_FILE(DeleteList(kList)), 401);
   EXPECT_EQ(install_.Journal().size(), 1u);
   EXPECT_TRUE(ui_.boxes().empty());
   EXPECT_EQ(ExchangeFoldersLeft(), 0u);
-
-  install_.Restart(EngineScenario().On(6).Info(-505).Then().Output(402).On(5).Output(1));
-  foundation::CurrentSettings().renew_random_permitted = true;
-  clock_.ClearPauses();
-  EXPECT_EQ(clsAPI_Interface().API_DELETE_REMOTE_FILE(DeleteList(kList)), 1);
-  EXPECT_EQ(install_.Codes(), (std::vector<int>{6, 5, 6}));
-  EXPECT_EQ(clock_.CountPauses(500), 1u);
-  EXPECT_TRUE(ui_.boxes().empty());
 }
 
 using FirewallProbe = SessionTest;

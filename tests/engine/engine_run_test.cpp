@@ -36,24 +36,10 @@ TEST_F(EngineRunTest, TheEngineSeesExactlyTheParametersAndRunsInTheLibraryFolder
   EXPECT_TRUE(std::filesystem::exists(platform::ToFsPath(folder_) / "DLLOutput.txt"));
 }
 
-TEST_F(EngineRunTest, AMissingProgramIsNotWaitedFor) {
-  EXPECT_EQ(RunEngine(EngineProgramPath(L"NoSuchEngine.exe"), 114, folder_), RunEnd::kNotStarted);
-}
-
 TEST_F(EngineRunTest, AnEmptyProgramNameIsRefusedRatherThanOpeningTheFolder) {
   foundation::CurrentSettings().client_program_name.clear();
   EXPECT_EQ(StartEngine(ConfiguredEngineProgram(), 2, folder_), nullptr);
   EXPECT_TRUE(install_.Journal().empty());
-}
-
-TEST_F(EngineRunTest, ACancelMarkerEndsTheCancellableWait) {
-  install_.SetScenario(EngineScenario().On(115).Hang());
-  std::wstring marker = folder_ + platform::kPathSeparator + L"cancel.txt";
-  auto process = StartEngine(FixedEngineProgram(), 115, folder_);
-  ASSERT_NE(process, nullptr);
-  testing::WriteFileBytes(platform::ToFsPath(marker), "");
-  EXPECT_EQ(WaitCancellable(process.get(), marker), RunEnd::kCancelled);
-  EXPECT_EQ(process->Wait(5000), platform::WaitOutcome::kExited);
 }
 
 // Still running for the first `running` waits, then ended.
