@@ -9,7 +9,6 @@
 #include "foundation/trace_log.h"
 #include "operations/cls_api_interface.h"
 #include "operations/shared_texts.h"
-#include "operations/ui_commands.h"
 #include "platform/ini_file.h"
 #include "platform/services.h"
 #include "profile/profile_store.h"
@@ -142,7 +141,7 @@ std::int32_t clsAPI_Interface::API_GETVERSIONS(const std::wstring& filepath, std
       if (code == -416) {
         platform::CurrentClock().Sleep(kPauseMs);
       } else if (code == -504) {
-        UICommands().W_AutoReconnect();
+        clsAPI_Interface().API_AutoReconnect();
         platform::CurrentClock().Sleep(kPauseMs);
         client_.LoadConfigurations();
       } else {

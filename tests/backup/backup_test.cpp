@@ -4,10 +4,10 @@
 #include <thread>
 
 #include "backup/backup_fixture.h"
-#include "operations/c_backup.h"
+#include "contract/c_backup.h"
 #include "platform/process.h"
 
-namespace tavrine::operations {
+namespace tavrine::contract {
 namespace {
 
 namespace fs = std::filesystem;
@@ -189,4 +189,4 @@ TEST_F(ManualBackup, UploadThatCannotStartOrIsCancelledLeavesNoUploadRecorded) {
 }
 
 }  // namespace
-}  // namespace tavrine::operations
+}  // namespace tavrine::contract

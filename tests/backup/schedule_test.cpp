@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "backup/backup_fixture.h"
-#include "operations/c_backup.h"
+#include "contract/c_backup.h"
 
-namespace tavrine::operations {
+namespace tavrine::contract {
 namespace {
 
 namespace fs = std::filesystem;
@@ -78,4 +78,4 @@ TEST_F(ScheduleControl, EnableRemovesThePauseAndResets) {
 }
 
 }  // namespace
-}  // namespace tavrine::operations
+}  // namespace tavrine::contract

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "browsing/browsing_state.h"
-#include "browsing/tavrine_enum.h"
+#include "contract/tavrine_enum.h"
 #include "engine/engine_run.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
@@ -21,7 +21,7 @@ namespace {
 
 using browsing::FileVersions;
 using browsing::FindData;
-using browsing::TavrinEenum;
+using contract::TavrinEenum;
 
 class EnumTest : public SessionTest {
  protected:
