@@ -77,8 +77,9 @@ std::int32_t ManualBackup::Prepare(std::int32_t handle, const std::wstring& exch
       return -1;
     }
     if (Cancelled()) return kCancelled;
-    PauseSchedule();
+    // Set first: a failure halfway through the pause must undo its first half too.
     paused = true;
+    PauseSchedule();
     std::int32_t result = Cancelled() ? kCancelled : Compare();
     // Only a compare that found items leads to an upload; anything else
     // ends the manual backup here, so the schedule runs again.

@@ -1,11 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <stdexcept>
 #include <thread>
 
 #include "backup/backup_fixture.h"
 #include "contract/c_backup.h"
 #include "platform/process.h"
+#include "platform/services.h"
+#include "support/fake_clock.h"
 
 namespace tavrine::contract {
 namespace {
@@ -186,6 +189,33 @@ TEST_F(ManualBackup, UploadThatCannotStartOrIsCancelledLeavesNoUploadRecorded) {
     EXPECT_EQ(backup.W_DoBackup(completed), -1);
     ExpectScheduleResumed();
   }
+}
+
+// A clock that fails on the pause after the schedule was asked to pause.
+class ClockFailingOnTheLongPause : public testing::FakeClock {
+ public:
+  void Sleep(std::uint32_t ms) override {
+    FakeClock::Sleep(ms);
+    if (ms == 2000) throw std::runtime_error("clock gone");
+  }
+};
+
+TEST_F(ManualBackup, AFailureWhileTheScheduleIsPausedResumesItAndIsTracedOnce) {
+  SetScheduleData("4242\r\nnightly\r\n");
+  testing::WriteFileBytes(Folder() / "InputList.txt", "C:\\x.txt\r\n");
+  ClockFailingOnTheLongPause failing;
+  platform::Services seams;
+  seams.clock = &failing;
+  {
+    platform::ScopedServices failing_clock(seams);
+    EXPECT_EQ(CBackup().W_BackupInit(0, folder_), -1);
+  }
+  EXPECT_EQ(failing.CountPauses(1000), 1u);  // the pause was asked for
+  EXPECT_TRUE(install_.Journal().empty());
+  ExpectScheduleResumed();
+  const std::string trace = TraceText();
+  EXPECT_NE(trace.find("[EXCEPTION] DoBackupInit() : clock gone"), std::string::npos) << trace;
+  EXPECT_EQ(trace.find("[EXCEPTION]"), trace.rfind("[EXCEPTION]")) << trace;
 }
 
 }  // namespace
