@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 
-#include "engine/cls_client.h"
+#include "engine/result_file.h"
 #include "foundation/text_util.h"
 #include "fuzz_support.h"
 
@@ -19,12 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (which & 1) tavrine::fuzz::WriteFile("result/DLLOutput.txt", parts[0]);
   if (which & 2) tavrine::fuzz::WriteFile("result/DLLOutputInfo.txt", parts.back());
 
-  tavrine::engine::clsClient client;
-  bool has_result = false;
-  std::wstring description;
-  double value = 0;
-  client.ReadDLLOutputFileTempFd(tavrine::fuzz::WidePath("result"), has_result, description, value);
+  auto result = tavrine::engine::ReadResultFile(tavrine::fuzz::WidePath("result"));
   // Every caller turns the value into a code this way.
-  (void)tavrine::foundation::RoundToInt32(value);
+  (void)tavrine::foundation::RoundToInt32(result.value.value_or(0));
   return 0;
 }

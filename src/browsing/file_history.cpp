@@ -6,13 +6,14 @@
 #include "browsing/browsing_state.h"
 #include "browsing/file_time.h"
 #include "browsing/remote_tree.h"
-#include "engine/cls_client.h"
+#include "engine/engine_codes.h"
+#include "engine/session.h"
 #include "foundation/file_system.h"
 #include "foundation/settings.h"
 #include "foundation/text_file.h"
 #include "foundation/tokenizer.h"
 #include "foundation/trace_log.h"
-#include "operations/cls_api_interface.h"
+#include "operations/remote_operations.h"
 
 namespace tavrine::browsing {
 
@@ -41,18 +42,17 @@ void VersionHistory::Restart() {
 
 std::int32_t VersionHistory::First(const std::wstring& remote_file, FileVersions& version) {
   Restart();
-  std::wstring folder;
-  std::int32_t result = operations::clsAPI_Interface().API_GETVERSIONS(remote_file, folder);
-  folder_ = folder;
-  if (result == 402 && ReadVersionFile() == 1) return Next(version);
+  engine::Session session = engine::Session::Open();
+  operations::VersionsResult versions = operations::FetchVersions(session, remote_file);
+  folder_ = versions.folder;
+  if (versions.result == engine::EngineCode::kSuccessWithData && ReadVersionFile() == 1)
+    return Next(version);
   if (!folder_.empty()) foundation::DeleteFolderTree(folder_);
   return -1;
 }
 
 std::int32_t VersionHistory::ReadVersionFile() {
-  engine::clsClient client;
-  client.LoadConfigurations();
-  client.GetCurrentUser();
+  engine::Session::Open();
   const std::wstring file = foundation::JoinPath(folder_, L"BackupVersion.txt");
   if (!foundation::FileExists(file)) return -1;
   auto lines = foundation::ReadAnsiLines(file);

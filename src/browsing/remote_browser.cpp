@@ -2,7 +2,10 @@
 
 #include "browsing/browsing_state.h"
 #include "browsing/case_fold.h"
-#include "engine/cls_client.h"
+#include "engine/engine_call.h"
+#include "engine/engine_codes.h"
+#include "engine/result_file.h"
+#include "engine/session.h"
 #include "engine/engine_run.h"
 #include "engine/exchange_folder.h"
 #include "engine/proxy.h"
@@ -75,13 +78,10 @@ std::wstring JoinedList(const std::vector<std::wstring>& machines) {
 }  // namespace
 
 bool RemoteBrowser::LoadFromEngine() {
-  engine::clsClient client;
-  client.LoadConfigurations();
-  client.GetCurrentUser();
-  engine::ProxySettings proxy;
-  client.LoadProxySettings(proxy);
-  const std::wstring host_id = client.GetUserProfile(L"HostID");
-  std::wstring machine_count = client.GetUserProfile(L"Count");
+  engine::Session session = engine::Session::Open();
+  engine::Connection& connection = session.connection();
+  const std::wstring host_id = engine::Connection::ProfileValue(L"HostID");
+  std::wstring machine_count = engine::Connection::ProfileValue(L"Count");
   Trace(L"TavrinEInit :: strHostId : " + host_id + L"  strMachineCount : " + machine_count);
   Trace(L"TavrinEInit :: Calling GetMultiplePCInfo");
   // The machine list is a side query: its failure must not stop the load.
@@ -106,17 +106,20 @@ bool RemoteBrowser::LoadFromEngine() {
     return false;
   }
 
-  client.WriteDLLInputFileTempFdPC(
-      folder, engine::ProxyArguments(proxy, engine::RandomNumberForRequest(client)));
-  auto process = engine::StartEngine(engine::FixedEngineProgram(), engine::kCodeBrowseInit, folder);
+  engine::EngineCallSpec spec;
+  spec.program = engine::FixedEngineProgram();
+  spec.command = engine::kCodeBrowseInit;
+  spec.folder = folder;
+  auto process = engine::StartEngineCall(spec, [&](const std::wstring& into) {
+    connection.WriteMachineRequest(
+        into, engine::ProxyArguments(session.proxy(), engine::RandomNumberForRequest()));
+  });
   if (!process) return false;
+  // Started and waited for by hand: a run that did not end by itself must
+  // leave its result files unread, where CallEngine would read them.
   if (engine::WaitPumping(process.get(), kPauseMs) != engine::RunEnd::kExited) return false;
-
-  bool has_result = false;
-  std::wstring description;
-  double value = 0;
-  client.ReadDLLOutputFileTempFd(folder, has_result, description, value);
-  machine_count = client.GetUserProfile(L"Count");
+  engine::ReadResultFile(folder);
+  machine_count = engine::Connection::ProfileValue(L"Count");
   Trace(L"TavrinEInit :: AFTER 122 CALL strPCInfo = " + machine_count);
   MultiplePcSupport() = CountMeansSeveral(machine_count);
   Trace(MultiplePcSupport() ? L"TavrinEInit :: g_bMultiplePCSupport = True "
@@ -165,12 +168,10 @@ void RemoteBrowser::Close() {
 bool RemoteBrowser::LoadFromDisk() {
   bool result = false;
   Close();
-  engine::clsClient client;
-  client.LoadConfigurations();
-  client.GetCurrentUser();
-  const std::wstring list = client.GetUserProfile(L"List");
-  std::wstring hosts = client.GetUserProfile(L"HostCount");
-  if (!CountMeansSeveral(hosts)) hosts = client.GetUserProfile(L"Count");
+  engine::Session::Open();
+  const std::wstring list = engine::Connection::ProfileValue(L"List");
+  std::wstring hosts = engine::Connection::ProfileValue(L"HostCount");
+  if (!CountMeansSeveral(hosts)) hosts = engine::Connection::ProfileValue(L"Count");
   MultiplePcSupport() = !list.empty() && CountMeansSeveral(hosts);
   user_name_ = BrowsingUserName();
 
@@ -201,11 +202,8 @@ bool RemoteBrowser::LoadFromDisk() {
 }
 
 std::int32_t RemoteBrowser::QueryMachines() {
-  engine::clsClient client;
-  client.LoadConfigurations();
-  client.GetCurrentUser();
-  engine::ProxySettings proxy;
-  client.LoadProxySettings(proxy);
+  engine::Session session = engine::Session::Open();
+  engine::Connection& connection = session.connection();
   const std::wstring user = BrowsingUserName();
   if (!profile::IsSafeName(user)) {
     Trace(L"GetMultiplePCInfo : the user name cannot be a folder name");
@@ -219,26 +217,26 @@ std::int32_t RemoteBrowser::QueryMachines() {
   operations::PresetConnectionFailureText();
 
   Trace(L"GetMultiplePCInfo :: Cmd line   119 ");
-  client.WriteDLLInputFileTempFd(
-      folder, engine::ProxyArguments(proxy, engine::RandomNumberForRequest(client)));
-  engine::RunEngine(engine::ConfiguredEngineProgram(), engine::kCodeMachineList, folder);
-  bool has_result = false;
-  std::wstring description;
-  double value = 0;
-  client.ReadDLLOutputFileTempFd(folder, has_result, description, value);
+  engine::EngineCallSpec spec;
+  spec.program = engine::ConfiguredEngineProgram();
+  spec.command = engine::kCodeMachineList;
+  spec.folder = folder;
+  const std::int32_t result = engine::CallEngine(spec, [&](const std::wstring& into) {
+    connection.WriteRequest(into,
+                            engine::ProxyArguments(session.proxy(), engine::RandomNumberForRequest()));
+  }).raw();
   foundation::DeleteFolderTree(folder);
-  const std::int32_t result = foundation::RoundToInt32(value);
   Trace(L"GetMultiplePCInfo :: apiremoteretval  " + std::to_wstring(result));
 
   BrowsingState& state = CurrentBrowsingState();
-  if (result == -400) {
+  if (result == engine::EngineCode::kPasswordChangedOnSite) {
     foundation::CurrentSettings().last_error_text = kPasswordChangedTwoLines;
-  } else if (result == 402) {
-    const std::wstring count = client.GetUserProfile(L"Count");
+  } else if (result == engine::EngineCode::kSuccessWithData) {
+    const std::wstring count = engine::Connection::ProfileValue(L"Count");
     if (foundation::LeadingNumber(count) != 0) {
       Trace(L"GetMultiplePCInfo :: More than one machine so g_bMultiplePCSupport ");
       MultiplePcSupport() = true;
-      const std::wstring list = client.GetUserProfile(L"List");
+      const std::wstring list = engine::Connection::ProfileValue(L"List");
       std::wstring hosts_text = list;
       if (list.empty()) {
         AddMachine(state.machine_list, user);
@@ -264,13 +262,11 @@ std::int32_t RemoteBrowser::QueryMachines() {
 }
 
 std::int32_t RemoteBrowser::ReadMachines() {
-  engine::clsClient client;
-  client.LoadConfigurations();
-  client.GetCurrentUser();
+  engine::Session::Open();
   const std::wstring user = BrowsingUserName();
   BrowsingState& state = CurrentBrowsingState();
   state.machine_list.clear();
-  const std::wstring list = client.GetUserProfile(L"List");
+  const std::wstring list = engine::Connection::ProfileValue(L"List");
   if (!profile::IsSafeName(user)) {
     Trace(L"ReadMachineList : the user name cannot be a folder name");
     return -1;

@@ -11,16 +11,16 @@
 #include "com/com_call.h"
 #include "contract/c_backup.h"
 #include "contract/c_restore.h"
+#include "contract/cls_api_interface.h"
+#include "contract/cls_client.h"
 #include "contract/tavrine_enum.h"
 #include "contract/ui_commands.h"
-#include "engine/cls_client.h"
-#include "operations/cls_api_interface.h"
 
 namespace tavrine::com {
 
 using UICommandsImpl = tavrine::contract::UICommands;
-using clsAPI_InterfaceImpl = tavrine::operations::clsAPI_Interface;
-using clsClientImpl = tavrine::engine::clsClient;
+using clsAPI_InterfaceImpl = tavrine::contract::clsAPI_Interface;
+using clsClientImpl = tavrine::contract::clsClient;
 using CRestoreImpl = tavrine::contract::CRestore;
 using CBackupImpl = tavrine::contract::CBackup;
 using TavrinEenumImpl = tavrine::contract::TavrinEenum;

@@ -1,7 +1,8 @@
 #include "contract/ui_commands.h"
 
 #include "contract/failure_boundary.h"
-#include "operations/cls_api_interface.h"
+#include "engine/session.h"
+#include "operations/remote_operations.h"
 #include "operations/user_commands.h"
 #include "profile/profile_store.h"
 
@@ -20,7 +21,7 @@ std::int32_t UICommands::W_GetCurrentUserName(std::wstring& sUsername) try {
 } TAVRINE_CATCH_RETURN(L"W_GetCurrentUserName", -1)
 
 std::int32_t UICommands::W_AutoReconnect() try {
-  return operations::clsAPI_Interface().API_AutoReconnect();
+  return operations::Reconnect();
 } TAVRINE_CATCH_RETURN(L"W_AutoReconnect", -1)
 
 std::int32_t UICommands::W_GetMessageString(std::int32_t MessageCode, std::wstring& MessageRet) try {
@@ -42,11 +43,12 @@ std::int32_t UICommands::W_GetMessageInfo(std::int32_t MessageCode, std::wstring
 } TAVRINE_CATCH_RETURN(L"W_GetMessageInfo", 0)
 
 std::int32_t UICommands::W_DeleteRemoteFiles(const std::wstring& sInputDelete) try {
-  return operations::clsAPI_Interface().API_DELETE_REMOTE_FILE(sInputDelete);
+  engine::Session session = engine::Session::Open();
+  return operations::DeleteRemote(session, sInputDelete);
 } TAVRINE_CATCH_RETURN(L"W_DeleteRemoteFiles", -1)
 
 std::int32_t UICommands::W_Dummycall() try {
-  return operations::clsAPI_Interface().API_FirewallSettings();
+  return operations::ProbeFirewall(L"");
 } TAVRINE_CATCH_RETURN(L"W_Dummycall", -1)
 
 }  // namespace tavrine::contract

@@ -1,8 +1,9 @@
 #include "dialogs/dialog_host.h"
 
+#include "engine/engine_codes.h"
 #include "foundation/file_system.h"
 #include "foundation/settings.h"
-#include "operations/cls_api_interface.h"
+#include "operations/remote_operations.h"
 #include "platform/module_folder.h"
 #include "platform/services.h"
 #include "profile/profile_store.h"
@@ -13,7 +14,8 @@ namespace {
 
 thread_local DialogHost* installed_host = nullptr;
 
-constexpr std::int16_t kCancelledByUser = -424;
+constexpr auto kCancelledByUser =
+    static_cast<std::int16_t>(engine::Raw(engine::EngineCode::kLoginCancelledElsewhere));
 
 // The marker left when the user cancelled a login elsewhere; used once.
 bool TakeLoginCancelledMarker() {
@@ -54,8 +56,8 @@ SessionInfo LoadSessionInfo() {
 }
 
 std::optional<operations::QuotaReading> RefreshQuota() {
-  double max_size = 0, used = 0;
-  operations::clsAPI_Interface().API_GetQuota(max_size, used);
+  engine::Session session = engine::Session::Open();
+  operations::ReadQuota(session);
   return operations::LastQuota();
 }
 

@@ -1,11 +1,11 @@
 #include "dialogs/login_flow.h"
 
 #include <algorithm>
-#include <initializer_list>
 #include <stdexcept>
 
 #include "dialogs/dialog_texts.h"
-#include "engine/engine_run.h"
+#include "engine/engine_call.h"
+#include "engine/result_file.h"
 #include "engine/exchange_folder.h"
 #include "engine/ip_resolve.h"
 #include "foundation/file_system.h"
@@ -36,10 +36,6 @@ constexpr const wchar_t* kProSignupPage = L"https://www.tavrine.com/tavrine/jsp/
 constexpr const wchar_t* kProxyValueNames[] = {L"Proxyset",  L"proxytypehttp", L"proxytypesocks",
                                                L"ProxyName", L"ProxyPort",     L"ProxyAuthOn",
                                                L"ProxyUser", L"ProxyPass"};
-
-bool IsOneOf(std::int32_t code, std::initializer_list<std::int32_t> codes) {
-  return std::find(codes.begin(), codes.end(), code) != codes.end();
-}
 
 struct MessageRow {
   LoginMessage key;
@@ -144,51 +140,53 @@ std::wstring LoginMessageText(LoginMessage message) {
 }
 
 bool IsRetriedLoginCode(std::int32_t code) {
-  return IsOneOf(code, {0, -416, -405, -12008, -12009, -12010});
+  return engine::IsIn(code, engine::codes::kTransientLogin);
 }
 
 std::optional<LoginMessage> MessageForCode(std::int32_t code, LoginCall call,
                                            bool entry_is_email) {
   using M = LoginMessage;
+  using enum engine::EngineCode;
+  using engine::Raw;
   switch (code) {
-    case -40:
-    case -401:
+    case Raw(kUserNameUnknown):
+    case Raw(kInvalidUserName):
       return entry_is_email ? M::kBadEmail : M::kBadUserName;
-    case -50:
+    case Raw(kUserDoesNotExist):
       return M::kMacAccount;
-    case -403:
+    case Raw(kPasswordChanged):
       return M::kWrongPassword;
-    case -404:
+    case Raw(kWrongEncryptionKey):
       if (call == LoginCall::kCompleteSession) return std::nullopt;
       break;
-    case -405:
+    case Raw(kNetworkFailure):
       return M::kConnectivity;
-    case -12008:
-    case -12009:
-    case -12010:
+    case Raw(kProxyAuthenticationRequired):
+    case Raw(kProxyCredentialsRefused):
+    case Raw(kProxyUnreachable):
       return M::kProxy;
-    case -417:
+    case Raw(kRestoreCancelled):
       return M::kOtherComputer;
-    case -422:
+    case Raw(kCryptNotSupported):
       return M::kCriticalException;
-    case -431:
+    case Raw(kReinstall):
       return M::kReinstall;
-    case -505:
+    case Raw(kMachineNotRegistered):
       if (call == LoginCall::kCompleteSession) return std::nullopt;
       break;
-    case -506:
+    case Raw(kNotActivated):
       return M::kNotActivated;
-    case -507:
-    case -514:
+    case Raw(kAccountCancelled):
+    case Raw(kNoLongerActive):
       return M::kNoLongerActive;
-    case -509:
+    case Raw(kMaintenance):
       return M::kCriticalUpdate;
-    case -511:
+    case Raw(kCleanupInProgress):
       return M::kMaintenance;
-    case -512:
+    case Raw(kNotAnAddress):
       if (call == LoginCall::kResolveEmail) return M::kBadEmail;
       break;
-    case -513:
+    case Raw(kBackupRunning):
       return M::kBackupRunning;
     default:
       break;
@@ -315,7 +313,7 @@ bool LoginProcedure::Run() {
     std::wstring host = foundation::FileExists(foundation::ConfigurationFilePath())
                             ? foundation::ReadConfigValue(L"ConnectionInfo", L"DomainName")
                             : std::wstring(foundation::kDefaultServerHost);
-    address_ = engine::clsIPResolve().GetIPFromHostName(host);
+    address_ = engine::ResolveHostAddress(host);
     if (address_.empty()) address_ = CurrentSettings().current_address;
   }
   // The account's stored port, as every other request sends it; a first login
@@ -375,24 +373,26 @@ LoginProcedure::CallResult LoginProcedure::RunCall(LoginCall call,
                                      proxy.proxyserveruname,
                                      proxy.proxyserverpwd};
   }();
-  auto& ui = platform::CurrentUi();
   engine_called_ = true;
-  for (int attempt = 1; attempt <= kLoginAttempts; ++attempt) {
-    client_.DeleteInputOutFilesTempFd(folder);
-    foundation::WriteUtf16Lines(JoinPath(folder, L"DLLInput.txt"), request);
-    engine::RunEngine(engine::ConfiguredEngineProgram(), static_cast<int>(call), folder);
-    bool has_result = false;
-    std::wstring description;
-    double value = 0;
-    client_.ReadDLLOutputFileTempFd(folder, has_result, description, value);
-    result.code = foundation::RoundToInt32(value);
-    if (!IsRetriedLoginCode(result.code)) break;
-    last_code_ = -416;
-    if (attempt == kLoginAttempts) break;
-    ui.PumpMessages();
-    platform::CurrentClock().Sleep(kLoginRetryPauseMs);
-    ui.PumpMessages();
-  }
+  engine::RetryPolicy policy;
+  policy.attempts = kLoginAttempts;
+  policy.rules.push_back({.codes = engine::codes::kTransientLogin,
+                          .pause_ms = kLoginRetryPauseMs,
+                          .pause_after_last = false,
+                          .pump_around_pause = true,
+                          // What the dialog reports while the attempts go on.
+                          .before_pause = [this] { last_code_ = engine::Raw(engine::EngineCode::kNoConnection); }});
+  const engine::EngineCallSpec spec{.program = engine::ConfiguredEngineProgram(),
+                                    .command = static_cast<int>(call),
+                                    .folder = folder};
+  auto outcome = engine::RunWithRetry(policy, [&](const engine::EngineResult&) {
+    return std::optional<engine::EngineResult>(
+        engine::CallEngine(spec, [&](const std::wstring& into) {
+          engine::DeleteExchangeFiles(into);
+          foundation::WriteUtf16Lines(JoinPath(into, L"DLLInput.txt"), request);
+        }));
+  });
+  result.code = outcome.last.raw();
   last_code_ = static_cast<std::int16_t>(std::clamp(result.code, -32768, 32767));
   if (auto lines = foundation::ReadAnsiLines(JoinPath(folder, L"DLLOutput1.txt"))) {
     result.output1 = std::move(*lines);
@@ -406,18 +406,18 @@ bool LoginProcedure::CheckDefEncStatus() {
   Trace(L"Return value from 110 calling : " + std::to_wstring(code));
   bool go_on = false;
   switch (code) {
-    case 900: {
+    case engine::Raw(engine::EngineCode::kKeyStatusEmpty): {
       Trace(L"Entered into ENC_STATUS_EMPTY");
       KeyChoice choice = view_.ShowEncKeyOption();
       go_on = choice.accepted;
       if (go_on) enc_password_ = choice.key;
       break;
     }
-    case 901:
+    case engine::Raw(engine::EngineCode::kKeyStatusDefault):
       Trace(L"Entered into ENC_STATUS_DEFAULT");
       go_on = true;
       break;
-    case 902: {
+    case engine::Raw(engine::EngineCode::kKeyStatusPrivate): {
       Trace(L"Entered into ENC_STATUS_PRIVATE");
       KeyChoice choice = view_.ShowEncryptionPsd();
       go_on = choice.accepted;
@@ -439,8 +439,9 @@ bool LoginProcedure::ResolveEmail(bool& go_on) {
   go_on = false;
   user_ = entry_;
   CallResult result = RunCall(LoginCall::kResolveEmail, RandomNumber());
-  if (result.code != 402 && result.code != 1000) {
-    if (IsOneOf(result.code, {-416, -405, -504, -12008, -12009, -12010})) {
+  if (result.code != engine::EngineCode::kSuccessWithData &&
+      result.code != engine::EngineCode::kAddressResolved) {
+    if (engine::IsIn(result.code, engine::codes::kResolveNetwork)) {
       Fail(LoginMessage::kCannotConnect);
     } else {
       Fail(MessageForCode(result.code, LoginCall::kResolveEmail, true));
@@ -478,13 +479,13 @@ bool LoginProcedure::ResolveEmail(bool& go_on) {
 
 bool LoginProcedure::Login() {
   CallResult result = RunCall(LoginCall::kLogin, kMachineCode);
-  if (result.code == -511) {
+  if (result.code == engine::EngineCode::kCleanupInProgress) {
     Fail(LoginMessage::kMaintenance, CurrentSettings().product_name + L" login failure");
     return false;
   }
   if (result.code <= 0) {
     Fail(MessageForCode(result.code, LoginCall::kLogin, !email_.empty()));
-    if (result.code == -403) view_.FocusPassword(true);
+    if (result.code == engine::EngineCode::kPasswordChanged) view_.FocusPassword(true);
     return false;
   }
   // The account the engine logged in, when the dialog had no name.
@@ -497,10 +498,10 @@ bool LoginProcedure::CompleteSession() {
     // The login's own request again, the machine code included.
     CallResult result = RunCall(LoginCall::kCompleteSession, kMachineCode);
     if (result.code > 0) return true;
-    if (result.code == -404) {
+    if (result.code == engine::EngineCode::kWrongEncryptionKey) {
       if (++asks > kMaxEncryptionPasswordAsks) {
         Unlock();
-        ShowStop(foundation::MessageText(-404).value_or(L""), L"");
+        ShowStop(foundation::MessageText(result.code).value_or(L""), L"");
         return false;
       }
       KeyChoice choice = view_.ShowEncryptionPsd();
@@ -511,7 +512,7 @@ bool LoginProcedure::CompleteSession() {
       enc_password_ = choice.key;
       continue;
     }
-    if (result.code == -505) {
+    if (result.code == engine::EngineCode::kMachineNotRegistered) {
       // Nothing to report; the next -505 of an operation may renew the number.
       CurrentSettings().renew_random_permitted = true;
       Fail(std::nullopt);

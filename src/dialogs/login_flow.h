@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/cls_client.h"
+#include "engine/engine_codes.h"
 #include "engine/proxy.h"
 
 namespace tavrine::dialogs {
@@ -83,7 +83,8 @@ inline constexpr int kLoginAttempts = 3;
 inline constexpr std::uint32_t kLoginRetryPauseMs = 5000;
 // After this many wrong encryption passwords the login gives up.
 inline constexpr int kMaxEncryptionPasswordAsks = 5;
-inline constexpr std::int16_t kLoginCancelledCode = -32766;
+inline constexpr auto kLoginCancelledCode =
+    static_cast<std::int16_t>(engine::Raw(engine::EngineCode::kLoginCancelled));
 // Separates the user names of an e-mail address in its InteractiveLists value.
 inline constexpr wchar_t kAccountSeparator = L'|';
 
@@ -150,7 +151,6 @@ class LoginProcedure {
   std::map<std::wstring, std::wstring> pending_proxy_;  // set in the proxy dialog
   std::map<std::wstring, std::wstring> proxy_values_;   // in use for this login
   engine::ProxySettings proxy_;
-  engine::clsClient client_;
   std::int16_t last_code_ = 0;
   bool engine_called_ = false;
   bool logged_in_ = false;

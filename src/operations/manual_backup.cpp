@@ -4,13 +4,15 @@
 #include <optional>
 #include <vector>
 
+#include "engine/engine_codes.h"
 #include "engine/engine_run.h"
+#include "engine/session.h"
 #include "foundation/file_system.h"
 #include "foundation/settings.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/trace_log.h"
-#include "operations/cls_api_interface.h"
+#include "operations/remote_operations.h"
 #include "operations/schedule_control.h"
 #include "platform/module_folder.h"
 #include "platform/path.h"
@@ -25,7 +27,8 @@ using foundation::DeleteFileIfExists;
 using foundation::FileExists;
 using foundation::JoinPath;
 
-constexpr std::int32_t kCancelled = 401;
+// 401 answers a backup cancelled by the user, as the engine does.
+constexpr std::int32_t kCancelled = engine::Raw(engine::EngineCode::kRenewalRefused);
 constexpr const wchar_t* kCompareProgram = L"TavrinECompareList.exe";
 constexpr const wchar_t* kCompareFiles[] = {L"DLLInput.txt",      L"DLLOutput1.txt",
                                             L"DLLOutput.txt",     L"DLLOutputInfo.txt",
@@ -93,9 +96,7 @@ std::int32_t ManualBackup::Prepare(std::int32_t handle, const std::wstring& exch
 }
 
 void ManualBackup::PauseSchedule() {
-  engine::clsClient client;
-  client.LoadConfigurations();
-  user_ = client.GetCurrentUser();
+  user_ = engine::Session::Open().current_user();
   // A pause still in place (a backup that never reached its exit) is kept.
   if (auto status = ReadSchedulerStatus(user_); status && !status->empty()) {
     BlockScheduledRuns(user_);
@@ -118,9 +119,10 @@ ManualBackup::UploadStart ManualBackup::StartUpload() {
       start.result = kCancelled;
       return start;
     }
-    std::int16_t completed = 0;
-    std::int32_t process = clsAPI_Interface().API_ENTRY(exchange_folder_, completed);
-    start.completed = completed;
+    engine::Session session = engine::Session::Open();
+    const EntryStart entry = StartSessionEntry(session, exchange_folder_);
+    const std::int32_t process = entry.handle;
+    start.completed = entry.completed ? 1 : 0;
     if (process == -1) {
       foundation::Trace(L"W_DoBackup :: the upload could not be started");
       ResumeSchedule(user);
@@ -160,9 +162,11 @@ std::int32_t ManualBackup::Compare() {
     return -1;
   }
   if (Cancelled()) return kCancelled;
-  std::int32_t listing = clsAPI_Interface().API_REMOTE(exchange_folder_);
+  engine::Session session = engine::Session::Open();
+  std::int32_t listing = ListRemote(session, exchange_folder_);
   if (Cancelled()) return kCancelled;
-  if (listing != 402 && listing != -412) return listing;
+  if (listing != engine::EngineCode::kSuccessWithData && listing != engine::EngineCode::kNothingToShow)
+    return listing;
 
   for (const wchar_t* name : kCompareFiles) DeleteFileIfExists(JoinPath(exchange_folder_, name));
   DeleteFileIfExists(

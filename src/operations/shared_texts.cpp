@@ -1,8 +1,6 @@
 #include "operations/shared_texts.h"
 
-#include <algorithm>
-#include <initializer_list>
-
+#include "engine/engine_codes.h"
 #include "foundation/language_text.h"
 #include "foundation/message_table.h"
 #include "foundation/settings.h"
@@ -34,15 +32,13 @@ void PreloadFailureTexts() {
 
 void PreloadFailureTextsFromMessageTable() {
   auto& settings = foundation::CurrentSettings();
-  settings.last_error_text = TextOr(foundation::MessageText(-416), kConnectionFailureText);
-  settings.password_changed_text = TextOr(foundation::MessageText(-403), kPasswordChangedText);
+  settings.last_error_text =
+      TextOr(foundation::MessageText(Raw(engine::EngineCode::kNoConnection)), kConnectionFailureText);
+  settings.password_changed_text = TextOr(
+      foundation::MessageText(Raw(engine::EngineCode::kPasswordChanged)), kPasswordChangedText);
 }
 
-bool IsListingRetryCode(std::int32_t code) {
-  constexpr std::int32_t kCodes[] = {-416, -404, -417, -403, -508,   -507,   -506,
-                                     -401, -405, -12008, -12009, -12010};
-  return std::find(std::begin(kCodes), std::end(kCodes), code) != std::end(kCodes);
-}
+bool IsListingRetryCode(std::int32_t code) { return engine::IsIn(code, engine::codes::kListingRetry); }
 
 std::wstring ConnectionFailureText() {
   std::wstring text = foundation::Trim(foundation::LanguageText(kConnectionFailureTextNumber));
@@ -56,9 +52,9 @@ void PresetConnectionFailureText() {
 void ShowListingFailure(std::int32_t result) {
   PresetConnectionFailureText();
   auto& settings = foundation::CurrentSettings();
-  if (IsListingRetryCode(result) || result == -415) {
+  if (IsListingRetryCode(result) || result == engine::EngineCode::kDatabaseError) {
     ShowFailureBox(settings.last_error_text);
-  } else if (result == -405 || result == -409 || result == -411 || result == -511) {
+  } else if (engine::IsIn(result, engine::codes::kListingOwnText)) {
     ShowFailureBox(foundation::MessageText(result).value_or(L""));
   }
 }

@@ -3,7 +3,7 @@
 #include "foundation/message_table.h"
 #include "foundation/settings.h"
 #include "foundation/trace_log.h"
-#include "operations/cls_api_interface.h"
+#include "operations/remote_operations.h"
 #include "profile/profile_store.h"
 
 namespace tavrine::operations {
@@ -15,7 +15,11 @@ bool IsFreePlanQuota(double max_size) {
 QuotaAnswer ReadQuotaForShell(double max_size, double used_space) {
   foundation::Trace(L"Inside W_GetQuota_Command");
   QuotaAnswer answer{-1, max_size, used_space};
-  answer.result = clsAPI_Interface().API_GetQuota(answer.max_size, answer.used_space);
+  engine::Session session = engine::Session::Open();
+  const QuotaResult quota = ReadQuota(session);
+  if (quota.max_size) answer.max_size = *quota.max_size;
+  if (quota.used_space) answer.used_space = *quota.used_space;
+  answer.result = quota.result;
   // Only a completed call with a quota says anything about the plan.
   if (answer.result == 0 && answer.max_size != 0) {
     std::wstring wanted = IsFreePlanQuota(answer.max_size) ? L"1" : L"0";

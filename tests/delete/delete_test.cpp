@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "foundation/settings.h"
-#include "operations/cls_api_interface.h"
+#include "contract/cls_api_interface.h"
 #include "contract/ui_commands.h"
 #include "operations/session_fixture.h"
 #include "platform/path.h"
@@ -17,6 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::EngineScenario;
 using testing::SessionTest;
+using contract::clsAPI_Interface;
 
 constexpr char kList[] = "C:\\Docs\\a.txt\r\nC:\\Docs\\old\\\r\n";
 

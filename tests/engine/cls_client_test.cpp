@@ -1,4 +1,4 @@
-#include "engine/cls_client.h"
+#include "contract/cls_client.h"
 
 #include <gtest/gtest.h>
 
@@ -15,6 +15,7 @@ namespace {
 using testing::InstallFolder;
 using testing::ReadFileBytes;
 using testing::Utf16LeFile;
+using contract::clsClient;
 
 class ClsClientTest : public ::testing::Test {
  protected:
@@ -255,16 +256,16 @@ TEST_F(ClsClientTest, LoadProxySettingsCopiesTheCache) {
 // A request carries the profile's number, else the last one generated, else "Does not exist".
 TEST_F(ClsClientTest, RequestRandomIsTheProfilesOrTheStoredGeneratedNumber) {
   profile::UpdateUserProfile(L"random", L"");
-  EXPECT_EQ(RandomNumberForRequest(client_), L"Does not exist");
+  EXPECT_EQ(RandomNumberForRequest(), L"Does not exist");
   for (int round = 0; round < 20; ++round) {
     std::wstring number = client_.GenerateRandomNumber();  // five groups of 1 to 255
     ASSERT_GE(number.size(), 5u);
     ASSERT_LE(number.size(), 15u);
     EXPECT_EQ(number.find_first_not_of(L"0123456789"), std::wstring::npos);
-    EXPECT_EQ(RandomNumberForRequest(client_), number);
+    EXPECT_EQ(RandomNumberForRequest(), number);
   }
   profile::UpdateUserProfile(L"random", L"12345");
-  EXPECT_EQ(RandomNumberForRequest(client_), L"12345");
+  EXPECT_EQ(RandomNumberForRequest(), L"12345");
 }
 
 TEST(ExchangeFolder, TwoCallsInTheSameMillisecondGetTwoFolders) {

@@ -8,12 +8,12 @@
 #include <fstream>
 #include <utility>
 
-#include "engine/cls_client.h"
+#include "contract/cls_client.h"
 #include "engine/engine_run.h"
 #include "engine/proxy.h"
 #include "foundation/settings.h"
 #include "foundation/text_file.h"
-#include "operations/cls_api_interface.h"
+#include "contract/cls_api_interface.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
@@ -114,7 +114,7 @@ class Vault : public ::testing::Test {
   fs::path UserFolder() const { return platform::ToFsPath(client_.UserFolder()); }
 
   EngineInstall install_;
-  engine::clsClient client_;
+  contract::clsClient client_;
   int folders_ = 0;
 };
 
@@ -375,7 +375,7 @@ TEST_F(Vault, LibraryLogsInSilentlyAndReadsTheQuota) {
   platform::ScopedServices seams({.clock = &clock, .ui = &ui, .module_folder = {}});
   LogIn(L"ben", L"ben-pass");
   profile::UpdateUserProfile(L"serverip", L"10.9.9.9");
-  operations::clsAPI_Interface api;
+  contract::clsAPI_Interface api;
   EXPECT_EQ(api.API_AutoReconnect(), 402);
   EXPECT_EQ(profile::GetUserProfile(L"serverip"), L"127.0.0.1");
   double max_size = 0, used = 0;

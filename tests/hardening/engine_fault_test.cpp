@@ -12,7 +12,7 @@
 #include "contract/tavrine_enum.h"
 #include "hardening_fixture.h"
 #include "contract/c_backup.h"
-#include "operations/cls_api_interface.h"
+#include "contract/cls_api_interface.h"
 #include "platform/path.h"
 
 namespace tavrine::testing {
@@ -50,7 +50,7 @@ class EngineFaults : public HardeningSession {
   fs::path UserListing() const { return platform::ToFsPath(UserFolder()) / "Backupfile.txt"; }
 
   std::vector<Operation> Operations() {
-    using Api = operations::clsAPI_Interface;
+    using Api = contract::clsAPI_Interface;
     return {
         {"API_GetQuota", 114, 402, "Quota.txt", "100\r\n200\r\n",
          [] {

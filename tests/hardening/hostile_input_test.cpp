@@ -15,7 +15,7 @@
 #include "fake_views.h"
 #include "foundation/text_file.h"
 #include "hardening_fixture.h"
-#include "operations/cls_api_interface.h"
+#include "contract/cls_api_interface.h"
 #include "platform/code_page.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
@@ -102,7 +102,7 @@ TEST_F(Hostile, AStoredCurrentUserThatLeavesTheWorkRootIsRefused) {
     ASSERT_TRUE(store.registry().WriteString(store.root_key(), profile::kCurrentUserValue, user));
     install_.Restart(EngineScenario().On(114).Output(402).WithFile("Quota.txt", "1\r\n2\r\n"));
     double max_size = 0, used = 0;
-    operations::clsAPI_Interface().API_GetQuota(max_size, used);
+    contract::clsAPI_Interface().API_GetQuota(max_size, used);
     EXPECT_EQ(FilesOutside(install_.path().parent_path(), install_.path()), std::vector<fs::path>{});
     EXPECT_FALSE(fs::exists(install_.path().parent_path() / "escape"));
   }
@@ -122,7 +122,7 @@ TEST_F(Hostile, AWorkRootThatCannotHoldFoldersStartsNothing) {
   bool request_in_cwd_before = fs::exists(cwd / "DLLInput.txt");
 
   double max_size = 5, used = 5;
-  operations::clsAPI_Interface api;
+  contract::clsAPI_Interface api;
   EXPECT_EQ(api.API_GetQuota(max_size, used), -1);
   EXPECT_EQ(api.API_AutoReconnect(), -1);
   EXPECT_EQ(api.API_UPDATE_RAND_NUM(), -1);
@@ -162,7 +162,7 @@ TEST_F(Hostile, AResultFileThatAppearsLateIsStillRead) {
   std::wstring folder = CallerFolder(L"late");
   LateAnswerClock clock(platform::ToFsPath(folder));
   platform::ScopedServices late({.clock = &clock, .module_folder = {}});
-  EXPECT_EQ(operations::clsAPI_Interface().API_REMOTE(folder), 402);
+  EXPECT_EQ(contract::clsAPI_Interface().API_REMOTE(folder), 402);
 }
 
 // The request file cannot be written (a folder holds its name, as a lock by
@@ -172,7 +172,7 @@ TEST_F(Hostile, ARequestFileThatCannotBeWrittenEndsTheCall) {
   std::wstring folder = CallerFolder(L"locked");
   fs::create_directories(platform::ToFsPath(folder) / "DLLInput.txt");
   install_.Restart(EngineScenario().On(115).Output(0));
-  EXPECT_EQ(operations::clsAPI_Interface().API_REMOTE(folder), -412);
+  EXPECT_EQ(contract::clsAPI_Interface().API_REMOTE(folder), -412);
   for (const auto& run : install_.Journal()) {
     EXPECT_EQ(run.request.value_or(""), "") << "the engine saw a request";
   }
@@ -215,7 +215,7 @@ TEST_F(Secrets, NoFileOrMessageOfAWholeSessionHoldsThePasswordOrKey) {
   login.OnLogin();
   profile::UpdateUserProfile(L"encpasswordnew", kKey);
 
-  operations::clsAPI_Interface api;
+  contract::clsAPI_Interface api;
   api.API_AutoReconnect();
   api.API_REMOTE(CallerFolder(L"list"));
   double max_size = 0, used = 0;

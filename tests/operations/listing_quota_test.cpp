@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "foundation/settings.h"
-#include "operations/cls_api_interface.h"
+#include "contract/cls_api_interface.h"
 #include "operations/last_quota.h"
 #include "operations/shared_texts.h"
 #include "contract/ui_commands.h"
@@ -20,6 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::EngineScenario;
 using testing::SessionTest;
+using contract::clsAPI_Interface;
 
 using Listing = SessionTest;
 

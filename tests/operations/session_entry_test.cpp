@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/engine_run.h"
-#include "operations/cls_api_interface.h"
+#include "contract/cls_api_interface.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
 #include "session_fixture.h"
@@ -13,6 +13,7 @@ namespace fs = std::filesystem;
 using testing::EngineScenario;
 using testing::RequestLine;
 using testing::SessionTest;
+using contract::clsAPI_Interface;
 
 using SilentLogin = SessionTest;
 

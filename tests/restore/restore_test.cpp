@@ -4,7 +4,7 @@
 
 #include "foundation/settings.h"
 #include "contract/c_restore.h"
-#include "operations/cls_api_interface.h"
+#include "contract/cls_api_interface.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
 #include "platform/services.h"
@@ -108,7 +108,7 @@ TEST_F(RestoreTest, VersionsFolderIsTheMethodsOwnAndTheWaitPausesWithoutMessages
   SliceCountingLauncher launcher;
   platform::ScopedServices counting({.launcher = &launcher, .module_folder = {}});
   std::wstring folder = L"given";
-  EXPECT_EQ(operations::clsAPI_Interface().API_GETVERSIONS(L"C:\\a.txt", folder), 402);
+  EXPECT_EQ(contract::clsAPI_Interface().API_GETVERSIONS(L"C:\\a.txt", folder), 402);
   EXPECT_EQ(folder.rfind(TempRoot(), 0), 0u);
   EXPECT_EQ(install_.Journal().back().folder, folder);
   // A 100 ms pause after every 300 ms slice the engine was still running, no messages.

@@ -4,7 +4,8 @@
 #include <iostream>
 
 #include "commands.h"
-#include "engine/cls_client.h"
+#include "engine/result_file.h"
+#include "engine/session.h"
 #include "engine/engine_run.h"
 #include "engine/exchange_folder.h"
 #include "foundation/file_system.h"
@@ -26,10 +27,7 @@ namespace {
 class ExchangeFolder {
  public:
   ExchangeFolder() {
-    engine::clsClient client;
-    client.LoadConfigurations();
-    client.GetCurrentUser();
-    path_ = engine::MakeExchangeFolder(client.UserFolder());
+    path_ = engine::MakeExchangeFolder(engine::Session::Open().UserFolder());
   }
   ~ExchangeFolder() {
     if (!path_.empty()) foundation::DeleteFolderTree(path_);
@@ -48,11 +46,7 @@ class ExchangeFolder {
 std::int32_t WaitForEngine(std::int32_t handle, const std::wstring& folder) {
   auto process = platform::AdoptProcess(handle);
   if (!process || engine::WaitPlain(process.get()) != engine::RunEnd::kExited) return -1;
-  bool answered = false;
-  std::wstring description;
-  double value = -1;
-  engine::clsClient().ReadDLLOutputFileTempFd(folder, answered, description, value);
-  return foundation::RoundToInt32(value);
+  return foundation::RoundToInt32(engine::ReadResultFile(folder).value.value_or(-1));
 }
 
 std::wstring AbsoluteLocalPath(const std::string& path) {

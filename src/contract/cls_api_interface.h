@@ -1,13 +1,15 @@
 #pragma once
+// clsAPI_Interface as callers know it: each method opens the session, calls
+// the operation in operations/remote_operations.h and is the one place its
+// failures are trapped.
 #include <cstdint>
+#include <optional>
 #include <string>
 
-#include "engine/cls_client.h"
+#include "engine/session.h"
 
-namespace tavrine::operations {
+namespace tavrine::contract {
 
-// The engine round trips of a session: login, listing, quota, restore,
-// versions, delete.
 class clsAPI_Interface {
  public:
   std::int16_t API_GetQuota(double& sMaxSize, double& sUsedSpace);
@@ -18,28 +20,18 @@ class clsAPI_Interface {
   // handle (now the caller's) or -1. Sets lResult to 1 when it completes.
   std::int32_t API_ENTRY(const std::wstring& strtempfd, std::int16_t& lResult);
   std::int32_t API_AutoMultipleServerSupport();
-
-  // Restore and versions (cls_api_interface_restore.cpp).
   std::int32_t API_ENTRY_RESTORE(const std::wstring& destPath, const std::wstring& parentPath,
                                  const std::wstring& tempPath);
   std::int32_t API_GETVERSIONS(const std::wstring& filepath, std::wstring& pstrtemp);
-
-  // Remote delete and the firewall probe (cls_api_interface_delete.cpp).
   std::int32_t API_DELETE_REMOTE_FILE(const std::wstring& sInputDelete);
   std::int32_t API_FirewallSettings();
 
  private:
-  // LoadConfigurations, GetCurrentUser and LoadProxySettings, in that order.
-  engine::ProxySettings LoadSession();
-  // `method` names the caller in trace lines.
-  std::int32_t SilentLogin(const wchar_t* method);
+  // Opens the session of a call; it stays with the object afterwards, as the
+  // firewall probe keeps a "localhost" address an earlier call left.
+  engine::Session& Begin();
 
-  engine::clsClient client_;
-  std::wstring base_path_;
-  std::wstring current_user_;
+  std::optional<engine::Session> session_;
 };
 
-// Codes that mean "no usable connection yet" to the silent login.
-bool IsTransientLoginCode(std::int32_t code);
-
-}  // namespace tavrine::operations
+}  // namespace tavrine::contract

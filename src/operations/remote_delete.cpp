@@ -1,0 +1,176 @@
+#include <optional>
+#include <vector>
+
+#include "engine/engine_call.h"
+#include "engine/engine_codes.h"
+#include "engine/exchange_folder.h"
+#include "engine/result_file.h"
+#include "foundation/file_system.h"
+#include "foundation/message_table.h"
+#include "foundation/settings.h"
+#include "foundation/text_file.h"
+#include "foundation/text_util.h"
+#include "foundation/time_format.h"
+#include "foundation/trace_log.h"
+#include "operations/remote_operations.h"
+#include "operations/shared_texts.h"
+#include "platform/path.h"
+#include "platform/services.h"
+#include "profile/character_shift.h"
+
+namespace tavrine::operations {
+
+namespace {
+
+using foundation::CurrentSettings;
+using foundation::FileExists;
+using foundation::JoinPath;
+
+using engine::EngineCode;
+
+constexpr const wchar_t* kFirewallFolderSuffix = L"_123456";
+
+void ShowDeleteBox(const std::wstring& text, unsigned icon) {
+  platform::CurrentUi().ShowMessageBox(text, CurrentSettings().failure_title,
+                                       platform::kMbOk | icon);
+}
+
+// The shell side's progress window: hidden, not closed, as the shell side
+// still owns it.
+void HideDeletingWindow() {
+  platform::CurrentUi().HideWindowByTitle(CurrentSettings().product_name + L" - Deleting");
+}
+
+// The one box a finished delete shows; gives the method's result.
+std::int32_t ReportDeleteOutcome(std::int32_t code) {
+  if (engine::IsIn(code, engine::codes::kListingRetry) ||
+      code == EngineCode::kMachineNotRegistered) {
+    ShowDeleteBox(ConnectionFailureText(), platform::kMbIconStop);
+    return code;
+  }
+  if (code == EngineCode::kSuccessWithData || code == EngineCode::kNoAnswer) return 1;
+  if (code == EngineCode::kCannotGetFiles || code == EngineCode::kCleanupInProgress) {
+    ShowDeleteBox(foundation::MessageText(code).value_or(L""),
+                  code == EngineCode::kCannotGetFiles ? platform::kMbIconInformation
+                                                      : platform::kMbIconStop);
+  }
+  return code;
+}
+
+// <base path>iTemp<sep><H_mm_ss_ms>_123456, each level made when missing.
+std::wstring MakeFirewallFolder(const std::wstring& base_path) {
+  std::wstring root = JoinPath(base_path, L"iTemp");
+  if (!foundation::FolderExists(root) && !foundation::CreateFolder(root)) return {};
+  std::wstring folder =
+      JoinPath(root, foundation::FormatExchangeFolderName(platform::CurrentClock().Now()) +
+                         kFirewallFolderSuffix);
+  if (!foundation::FolderExists(folder) && !foundation::CreateFolder(folder)) return {};
+  return folder;
+}
+
+// Tried again after 2000 ms on the listing's codes, four attempts; -505
+// renews the number when permitted.
+engine::RetryPolicy DeletePolicy(bool renewal_permitted) {
+  engine::RetryPolicy policy;
+  policy.attempts = 4;
+  policy.rules.push_back({.codes = engine::codes::kListingRetry, .pause_ms = 2000});
+  policy.renew = [] { RenewRandomNumber(); };
+  policy.renewal_permitted = renewal_permitted;
+  return policy;
+}
+
+}  // namespace
+
+std::int32_t DeleteRemote(engine::Session& session, const std::wstring& list_file) {
+  engine::ScopedExchangeFolder owner(engine::MakeExchangeFolder(session.UserFolder()));
+  const std::wstring& folder = owner.path();
+  if (folder.empty()) {
+    foundation::Trace(L"API_DELETE_REMOTE_FILE :: exchange folder could not be created");
+    return -1;
+  }
+  if (list_file.empty() || !FileExists(list_file)) {
+    foundation::Trace(L"API_DELETE_REMOTE_FILE :: no list of items at '" + list_file + L"'");
+    return -1;
+  }
+  if (!foundation::CopyFileReplacing(list_file, JoinPath(folder, L"InputDelete.txt"))) {
+    foundation::Trace(L"API_DELETE_REMOTE_FILE :: the list could not be copied: " + list_file);
+  }
+
+  engine::EngineCallSpec spec;
+  spec.program = engine::FixedEngineProgram();
+  spec.command = engine::kCodeDelete;
+  spec.folder = folder;
+  spec.poll_result = true;
+  auto outcome = engine::RunWithRetry(
+      DeletePolicy(session.settings().renew_random_permitted),
+      [&](const engine::EngineResult&) -> std::optional<engine::EngineResult> {
+        engine::EngineResult result = engine::CallEngine(spec, [&](const std::wstring& into) {
+          // Result files of an earlier attempt must not pass for this one's.
+          engine::DeleteExchangeFiles(into);
+          session.connection().WriteRequest(
+              into, engine::ProxyArguments(session.proxy(), engine::RandomNumberForRequest()));
+        });
+        if (!result.read) return std::nullopt;
+        return result;
+      });
+  if (outcome.stop == engine::RetryStop::kRenewalRefused) {
+    foundation::DeleteFolderTree(folder);
+    return Raw(EngineCode::kRenewalRefused);
+  }
+  foundation::DeleteFolderTree(folder);
+  HideDeletingWindow();
+  if (outcome.stop == engine::RetryStop::kAborted) {
+    foundation::Trace(L"API_DELETE_REMOTE_FILE :: the engine left no result");
+    return -1;
+  }
+  return ReportDeleteOutcome(outcome.last.raw());
+}
+
+std::int32_t ProbeFirewall(const std::wstring& known_address) {
+  std::int32_t result = 0;
+  const std::wstring base_path = foundation::ComputeWorkRoot();
+  foundation::LoadConfigurations();
+  const auto& settings = CurrentSettings();
+  const std::wstring marker = base_path + settings.installation_name + L"Client.txt";
+  if (FileExists(marker)) return 0;
+
+  // Not the profile's values: only the address the caller holds, and only "localhost" survives.
+  engine::Connection client;
+  client.SetServerAddress(known_address);
+  client.ResolveServerAddress();
+  std::wstring folder = MakeFirewallFolder(base_path);
+  if (folder.empty()) {
+    foundation::Trace(L"API_FirewallSettings :: iTemp folder could not be created");
+    return 0;
+  }
+  const std::wstring request = JoinPath(folder, L"DLLInput.txt");
+  foundation::DeleteFileIfExists(request);
+  // Placeholder credentials: the probe must never carry the user's own.
+  std::vector<std::wstring> lines = {client.server_address(),
+                                     settings.port,
+                                     profile::ShiftCharacters(L"username"),
+                                     profile::ShiftCharacters(L"password"),
+                                     profile::ShiftCharacters(L"noencryption"),
+                                     L"MACHINECODEREADONLY"};
+  lines.insert(lines.end(), 6, L"0");
+  // A plain (ANSI) text file, unlike the Unicode requests of the other runs.
+  for (const std::wstring& line : lines) {
+    if (!foundation::AppendAnsiLine(request, line)) {
+      foundation::Trace(L"API_FirewallSettings :: request could not be written");
+      break;
+    }
+  }
+  // Started and not waited for: the marker tells whether an earlier run got through.
+  engine::EngineCallSpec spec;
+  spec.program = engine::FixedEngineProgram();
+  spec.command = engine::kCodeLogin;
+  spec.folder = folder;
+  engine::StartEngineCall(spec, nullptr);
+  if (FileExists(marker)) {
+    foundation::DeleteFileIfExists(marker);
+    result = 1;
+  }
+  return result;
+}
+
+}  // namespace tavrine::operations
