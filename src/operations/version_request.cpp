@@ -1,4 +1,4 @@
-#include "operations/restore_requests.h"
+#include "operations/version_request.h"
 
 #include <filesystem>
 
@@ -8,12 +8,6 @@
 #include "platform/path.h"
 
 namespace tavrine::operations {
-
-std::int32_t StartRestore(const std::wstring& destination, const std::wstring& parent,
-                          const std::wstring& exchange_folder) {
-  engine::Session session = engine::Session::Open();
-  return StartRestore(session, destination, parent, exchange_folder);
-}
 
 std::int32_t RequestVersions(const std::wstring& remote_file) {
   engine::Session session = engine::Session::Open();
