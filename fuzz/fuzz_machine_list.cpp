@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "browsing/browsing_state.h"
-#include "browsing/tavrine_enum.h"
+#include "contract/tavrine_enum.h"
 #include "fuzz_support.h"
 #include "profile/profile_store.h"
 #include "profile/safe_name.h"
@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   bool surrogates = false;
   for (wchar_t c : list) surrogates = surrogates || (c >= 0xD800 && c <= 0xDFFF);
   if (!surrogates && profile::GetUserProfile(L"List") != list) std::abort();
-  browsing::TavrinEenum enumeration;
+  contract::TavrinEenum enumeration;
   if (enumeration.ReadMachineList() < 0) std::abort();
   for (const std::wstring& machine : browsing::CurrentBrowsingState().machine_list) {
     if (!profile::IsSafeName(machine)) std::abort();

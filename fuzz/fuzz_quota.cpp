@@ -7,7 +7,7 @@
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "fuzz_support.h"
-#include "operations/ui_commands.h"
+#include "operations/user_commands.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace tavrine::foundation;

@@ -8,13 +8,13 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   tavrine::fuzz::Begin();
   tavrine::fuzz::WriteFile("versions/BackupVersion.txt", tavrine::fuzz::AsView(data, size));
-  tavrine::browsing::CTavrinEFileHistory history;
-  history.Init();
+  tavrine::browsing::VersionHistory history;
+  history.Restart();
   history.set_folder(tavrine::fuzz::WidePath("versions"));
-  if (history.FetchAllVersions() == 1) {
+  if (history.ReadVersionFile() == 1) {
     history.set_folder(L"");  // nothing to delete when the list ends
     tavrine::browsing::FileVersions version;
-    for (int shown = 0; shown < 40 && history.GetFileVersion(version) != -1; ++shown) {
+    for (int shown = 0; shown < 40 && history.Next(version) != -1; ++shown) {
     }
   }
   return 0;

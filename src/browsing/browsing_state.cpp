@@ -67,18 +67,12 @@ bool LoadListing(const std::wstring& user) {
   return read;
 }
 
-std::int32_t InitTree(const std::wstring& param) {
-  try {
-    const std::wstring user = param.empty() ? BrowsingUserName() : param;
-    const std::wstring list = profile::GetUserProfile(L"List");
-    std::wstring hosts = profile::GetUserProfile(L"HostCount");
-    if (!CountMeansSeveral(hosts)) hosts = profile::GetUserProfile(L"Count");
-    MultiplePcSupport() = !list.empty() && CountMeansSeveral(hosts);
-    return LoadListing(user) ? 1 : 0;
-  } catch (...) {
-    foundation::TraceException(L"InitTree", foundation::DescribeCurrentException());
-    return 0;
-  }
+bool ReloadListing(const std::wstring& user) {
+  const std::wstring list = profile::GetUserProfile(L"List");
+  std::wstring hosts = profile::GetUserProfile(L"HostCount");
+  if (!CountMeansSeveral(hosts)) hosts = profile::GetUserProfile(L"Count");
+  MultiplePcSupport() = !list.empty() && CountMeansSeveral(hosts);
+  return LoadListing(user.empty() ? BrowsingUserName() : user);
 }
 
 }  // namespace tavrine::browsing

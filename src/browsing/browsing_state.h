@@ -35,9 +35,9 @@ std::wstring ListingFile(const std::wstring& user, const std::wstring& machine);
 // load and makes it the thread's. False when nothing could be read.
 bool LoadListing(const std::wstring& user);
 
-// Rebuilds the tree and the entry array from Backupfile.txt (flag from the
-// profile's "List" and "HostCount"/"Count"); 1 when a listing was read.
-// `param` names the user whose listing is read; "" takes BrowsingUserName().
-std::int32_t InitTree(const std::wstring& param = L"");
+// Loads Backupfile.txt again with the flag taken from the profile's "List"
+// and "HostCount"/"Count"; true when a listing was read. An empty `user`
+// takes BrowsingUserName().
+bool ReloadListing(const std::wstring& user = L"");
 
 }  // namespace tavrine::browsing

@@ -7,15 +7,17 @@
 namespace tavrine::browsing {
 
 // The versions of one remote file, asked of the engine and handed out newest
-// first, at most 30.
-class CTavrinEFileHistory {
+// first, at most 30. Each call returns the count of versions left including
+// the one handed out, or -1.
+class VersionHistory {
  public:
-  std::int32_t GetFirstVersion(const std::wstring& filename, FileVersions& sfirstVer);
-  std::int32_t GetNextVersion(FileVersions& sfirstVer);
-  std::int32_t GetFileVersion(FileVersions& filever);
-  void Init();
+  // Asks the engine for the file's versions and hands out the newest.
+  std::int32_t First(const std::wstring& remote_file, FileVersions& version);
+  std::int32_t Next(FileVersions& version);
   // Reads BackupVersion.txt of the request's folder; 1, or -1 on failure.
-  std::int32_t FetchAllVersions();
+  std::int32_t ReadVersionFile();
+  // Forgets the versions handed out.
+  void Restart();
 
   // The exchange folder of the last request (tests point it at a prepared one).
   void set_folder(const std::wstring& folder) { folder_ = folder; }
@@ -24,11 +26,13 @@ class CTavrinEFileHistory {
  private:
   std::wstring folder_;
   std::int32_t highest_ = 1;
-  std::int32_t cursor_ = 0;
+  std::int32_t handed_out_ = 0;
   std::int32_t position_ = 0;
-  std::wstring base_path_;
 };
 
 inline constexpr std::int32_t kMaxVersionsShown = 30;
+
+// The class name the version lines of the trace log have always carried.
+inline constexpr const wchar_t* kVersionTraceClass = L"CTavrinEFileHistory";
 
 }  // namespace tavrine::browsing

@@ -80,7 +80,7 @@ LinearScanListing LinearScanListing::From(const RemoteListing& listing) {
   LinearScanListing scan;
   scan.machine_mode_ = listing.machine_mode();
   for (std::int32_t i = 1; i <= listing.count(); ++i) scan.entries_.push_back(listing.Entry(i));
-  for (const clsTavrinETree* node = listing.root().first_child_; node; node = node->next_sibling_)
+  for (const ListingNode* node = listing.root().first_child_; node; node = node->next_sibling_)
     scan.nodes_.push_back(Node{node->name_, node->first_entry_, node->last_entry_});
   return scan;
 }

@@ -27,32 +27,10 @@ void SetEmptyValues(FindData& data) {
 
 // ---- the tree --------------------------------------------------------------
 
-std::int32_t clsTavrinETree::InitNode(const std::wstring& name) {
-  try {
-    name_ = name;
-    first_child_ = next_sibling_ = parent_ = fourth_link_ = nullptr;
-    return 1;
-  } catch (...) {
-    foundation::TraceException(L"InitNode", foundation::DescribeCurrentException());
-    return 0;
-  }
-}
-
-void clsTavrinETree::DestroyTree() {
-  try {
-    // Nodes are owned flat, so a long sibling chain never deepens the stack.
-    owned_.clear();
-    first_child_ = last_child_ = nullptr;
-    child_count_ = 0;
-  } catch (...) {
-    foundation::TraceException(L"DestroyTree", foundation::DescribeCurrentException());
-  }
-}
-
-clsTavrinETree* clsTavrinETree::AppendChild(const std::wstring& name) {
-  owned_.push_back(std::make_unique<clsTavrinETree>());
-  clsTavrinETree* node = owned_.back().get();
-  node->InitNode(name);
+ListingNode* ListingNode::AppendChild(const std::wstring& name) {
+  owned_.push_back(std::make_unique<ListingNode>());
+  ListingNode* node = owned_.back().get();
+  node->name_ = name;
   node->parent_ = this;
   if (!first_child_) {
     first_child_ = node;
@@ -365,7 +343,7 @@ std::size_t FindUnit(std::u16string_view text, std::size_t from, char16_t unit) 
 }  // namespace
 
 
-RemoteListing::RemoteListing() { root_.InitNode(L"\\"); }
+RemoteListing::RemoteListing() { root_.name_ = L"\\"; }
 
 void RemoteListing::BeginFile(const std::wstring& machine) {
   machine_ = machine;
@@ -901,7 +879,7 @@ std::size_t RemoteListing::RunFor(std::wstring_view folder) const {
   return found == run_by_name_.end() ? kNoRun : found->second;
 }
 
-const clsTavrinETree* RemoteListing::NodeFor(std::wstring_view folder) const {
+const ListingNode* RemoteListing::NodeFor(std::wstring_view folder) const {
   const std::size_t run = RunFor(folder);
   return run == kNoRun ? nullptr : runs_[run].node;
 }
@@ -988,7 +966,7 @@ bool RemoteListing::Plan(std::wstring_view folder, EnumCursor& cursor) const {
   const std::size_t run_index = finished_ ? RunFor(folder) : kNoRun;
   if (run_index == kNoRun) return false;
   const Run& run = runs_[run_index];
-  const clsTavrinETree* node = run.node;
+  const ListingNode* node = run.node;
   cursor.node = node;
   cursor.folder.assign(folder);
   AssignFoldedUtf8(cursor.query, folder);

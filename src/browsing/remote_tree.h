@@ -15,32 +15,27 @@ namespace tavrine::browsing {
 // A node of the remote entry tree: the root ("\") or a first-level node (a
 // drive, or a computer when the account has several) owning a contiguous run
 // of entry positions.
-class clsTavrinETree {
+class ListingNode {
  public:
-  clsTavrinETree() = default;
-  clsTavrinETree(const clsTavrinETree&) = delete;
-  clsTavrinETree& operator=(const clsTavrinETree&) = delete;
+  ListingNode() = default;
+  ListingNode(const ListingNode&) = delete;
+  ListingNode& operator=(const ListingNode&) = delete;
 
-  // Sets the name and clears the four links; 1.
-  std::int32_t InitNode(const std::wstring& name);
-  // Releases every node below this one; this one stays.
-  void DestroyTree();
   // Makes a node, appends it to the end of the first-level chain and counts it.
-  clsTavrinETree* AppendChild(const std::wstring& name);
+  ListingNode* AppendChild(const std::wstring& name);
 
   std::wstring name_;
-  clsTavrinETree* first_child_ = nullptr;
-  clsTavrinETree* next_sibling_ = nullptr;
-  clsTavrinETree* parent_ = nullptr;
-  clsTavrinETree* fourth_link_ = nullptr;
+  ListingNode* first_child_ = nullptr;
+  ListingNode* next_sibling_ = nullptr;
+  ListingNode* parent_ = nullptr;
   std::int32_t child_count_ = 0;
   std::int32_t first_entry_ = 0;
   std::int32_t last_entry_ = 0;
   std::wstring base_path_;
 
  private:
-  clsTavrinETree* last_child_ = nullptr;
-  std::vector<std::unique_ptr<clsTavrinETree>> owned_;
+  ListingNode* last_child_ = nullptr;
+  std::vector<std::unique_ptr<ListingNode>> owned_;
 };
 
 // Where an enumeration stands. Matches come from a stream known to match
@@ -52,7 +47,7 @@ struct EnumCursor {
   std::wstring folder;  // as asked
   std::string query;    // case-folded folder path
   std::uint32_t last_found = 0;
-  const clsTavrinETree* node = nullptr;
+  const ListingNode* node = nullptr;
   // kIndexed: sure matches, interval [next, last] or list.
   bool sure_is_list = false;
   std::uint32_t next = 0;
@@ -103,10 +98,10 @@ class RemoteListing {
   std::wstring Entry(std::int32_t position) const;
   void EntryUtf8(std::int32_t position, std::string& out) const;
   bool machine_mode() const { return machine_mode_; }
-  clsTavrinETree& root() { return root_; }
-  const clsTavrinETree& root() const { return root_; }
+  ListingNode& root() { return root_; }
+  const ListingNode& root() const { return root_; }
   // The first-level node the lookups use for a folder path, or null.
-  const clsTavrinETree* NodeFor(std::wstring_view folder) const;
+  const ListingNode* NodeFor(std::wstring_view folder) const;
 
   // Fill `data` from the next match and return its position, or the empty
   // values and -1.
@@ -124,7 +119,7 @@ class RemoteListing {
 
  private:
   struct Run {
-    clsTavrinETree* node = nullptr;
+    ListingNode* node = nullptr;
     std::string key;  // folded first-level text up to and including the first backslash
     std::u16string key16;  // the same in UTF-16, as lines are read
     bool has_key = false;
@@ -203,7 +198,7 @@ class RemoteListing {
   void Fill(std::uint32_t position, EnumCursor& cursor, bool at_start, FindData& data) const;
   void FillFromPacked(std::uint32_t position, EnumCursor& cursor, FindData& data) const;
 
-  clsTavrinETree root_;
+  ListingNode root_;
   // The entries.
   std::vector<EntryRecord> records_;  // [position - 1]
   std::string names_;                 // each record's name (and fields kept as text), in file order
@@ -222,7 +217,7 @@ class RemoteListing {
   bool overflowed_ = false;
   std::u16string previous_head_;
   std::wstring previous_name_;
-  clsTavrinETree* current_node_ = nullptr;
+  ListingNode* current_node_ = nullptr;
   std::vector<Run> runs_;
   std::u16string rewritten_;
   std::u16string line16_;  // a line with its machine name

@@ -9,21 +9,21 @@
 #include <type_traits>
 
 #include "com/com_call.h"
-#include "browsing/tavrine_enum.h"
+#include "contract/c_backup.h"
+#include "contract/c_restore.h"
 #include "contract/cls_api_interface.h"
 #include "contract/cls_client.h"
-#include "operations/c_backup.h"
-#include "operations/c_restore.h"
-#include "operations/ui_commands.h"
+#include "contract/tavrine_enum.h"
+#include "contract/ui_commands.h"
 
 namespace tavrine::com {
 
-using UICommandsImpl = tavrine::operations::UICommands;
+using UICommandsImpl = tavrine::contract::UICommands;
 using clsAPI_InterfaceImpl = tavrine::contract::clsAPI_Interface;
 using clsClientImpl = tavrine::contract::clsClient;
-using CRestoreImpl = tavrine::operations::CRestore;
-using CBackupImpl = tavrine::operations::CBackup;
-using TavrinEenumImpl = tavrine::browsing::TavrinEenum;
+using CRestoreImpl = tavrine::contract::CRestore;
+using CBackupImpl = tavrine::contract::CBackup;
+using TavrinEenumImpl = tavrine::contract::TavrinEenum;
 
 // Every method has its portable implementation now; a method added to the
 // interface before its behaviour is built is listed here.

@@ -20,6 +20,13 @@ SessionInfo LoadSessionInfo();
 // messages) and returns the last reading, the new one when it succeeded.
 std::optional<operations::QuotaReading> RefreshQuota();
 
+// The login command: closes a login window still open, honours a login
+// cancelled elsewhere (-424, once), else shows the login dialog over `owner`
+// and returns its result code.
+std::int16_t RunLoginCommand(std::intptr_t owner);
+// The session command: shows the session window modally; true when it was shown.
+bool RunSessionCommand(std::intptr_t owner);
+
 // The windows the UI commands open. The Win32 layer provides the real one;
 // tests install their own with ScopedDialogHost.
 class DialogHost {

@@ -4,6 +4,7 @@
 #include <exception>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "foundation/settings.h"
 #include "foundation/text_file.h"
@@ -20,54 +21,69 @@ std::wstring TraceFilePath() {
   return work_root + L"Log" + platform::kPathSeparator + installation_name + L"UI.txt";
 }
 
-void Trace(const std::wstring& message) noexcept {
+namespace {
+
+// The trace writer never throws: a line that cannot be made or written (no
+// memory, no disk) is lost, and the caller never hears of it.
+template <class Body>
+void WithoutThrowing(Body&& body) noexcept {
   try {
-    std::wstring file = TraceFilePath();
-    // The Log folder, and those of an installation name with separators of its
-    // own; when they cannot be made, the append below fails and the line is lost.
-    std::error_code ignored;
-    std::filesystem::create_directories(platform::ToFsPath(file).parent_path(), ignored);
-    AppendAnsiLine(file, FormatTraceTimestamp(platform::CurrentClock().Now()) + L" " + message);
+    body();
   } catch (...) {
-    // A trace line that cannot be written is lost; the caller never hears of it.
   }
 }
 
+void WriteLine(const std::wstring& message) {
+  std::wstring file = TraceFilePath();
+  // The Log folder, and those of an installation name with separators of its
+  // own; when they cannot be made, the append below fails and the line is lost.
+  std::error_code ignored;
+  std::filesystem::create_directories(platform::ToFsPath(file).parent_path(), ignored);
+  AppendAnsiLine(file, FormatTraceTimestamp(platform::CurrentClock().Now()) + L" " + message);
+}
+
+std::wstring ExceptionLine(std::wstring_view procedure, std::wstring_view description) {
+  std::wstring line = L"[EXCEPTION] ";
+  line.append(procedure).append(L"() : ").append(description);
+  return line;
+}
+
+}  // namespace
+
+void Trace(const std::wstring& message) noexcept {
+  WithoutThrowing([&] { WriteLine(message); });
+}
+
 void TraceException(std::wstring_view procedure, std::wstring_view description) noexcept {
-  try {
-    std::wstring line = L"[EXCEPTION] ";
-    line.append(procedure).append(L"() : ").append(description);
-    Trace(line);
-  } catch (...) {
-  }
+  WithoutThrowing([&] { WriteLine(ExceptionLine(procedure, description)); });
 }
 
 void TraceException(std::wstring_view class_name, std::wstring_view procedure,
                     std::wstring_view description) noexcept {
-  try {
+  WithoutThrowing([&] {
     std::wstring scoped(class_name);
     scoped.append(L" :: ").append(procedure);
-    TraceException(scoped, description);
-  } catch (...) {
-  }
+    WriteLine(ExceptionLine(scoped, description));
+  });
 }
 
 std::wstring DescribeCurrentException() noexcept {
+  const char* what = nullptr;
   try {
     throw;
   } catch (const std::exception& error) {
-    try {
-      std::wstring text;
-      for (const char* p = error.what(); *p; ++p) {
-        text.push_back(static_cast<wchar_t>(static_cast<unsigned char>(*p)));
-      }
-      return text;
-    } catch (...) {
-      return L"";
-    }
+    what = error.what();  // lives as long as the caller's handler
   } catch (...) {
     return L"Unknown error";
   }
+  std::wstring text;
+  // Without memory for the description the line says nothing after the colon.
+  WithoutThrowing([&] {
+    std::wstring widened;
+    for (const char* p = what; *p; ++p) widened.push_back(static_cast<wchar_t>(static_cast<unsigned char>(*p)));
+    text = std::move(widened);
+  });
+  return text;
 }
 
 }  // namespace tavrine::foundation

@@ -1,4 +1,5 @@
 #pragma once
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -31,5 +32,18 @@ bool ScheduledRunActive(const std::vector<std::wstring>& schedule_data);
 bool WritePauseRequest(const std::wstring& user, const std::wstring& run, const std::wstring& job);
 // Removes schedulerStatus.txt; true when it is gone.
 bool RemovePauseRequest(const std::wstring& user);
+
+// The controls of the scheduled backup. Each reads the configuration first;
+// an empty `user` means the current user. 1 when done, 0 when there was
+// nothing to do or it could not be done.
+// Marks a manual upload in the profile ("UPLOAD" TRUE), which blocks new runs.
+std::int32_t BlockScheduledRuns(const std::wstring& user);
+// Clears the marks of a manual upload.
+std::int32_t ClearManualUploadMarks(const std::wstring& user);
+// Asks a running scheduled backup to pause.
+std::int32_t RequestSchedulePause(const std::wstring& user);
+bool ScheduledBackupRunning(const std::wstring& user);
+// Clears the marks, then withdraws the pause request.
+std::int32_t ResumeSchedule(const std::wstring& user);
 
 }  // namespace tavrine::operations

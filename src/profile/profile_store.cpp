@@ -182,59 +182,47 @@ bool ProfileStore::DeleteUser(const std::wstring& user) {
   return ok;
 }
 
-// The shorthands never throw: the callers are COM entry points and dialogs.
-std::wstring GetUserProfile(const std::wstring& name) {
+namespace {
+
+// The shorthands never throw: a profile that cannot be read reads as "" and
+// one that cannot be written answers false, and the operation goes on with
+// that, as it does when a value is simply missing.
+template <class Result, class Body>
+Result OrOnFailure(const wchar_t* procedure, Result failed, Body&& body) {
   try {
-    return ProfileStore::ForCurrentInstallation().Get(name);
+    ProfileStore store = ProfileStore::ForCurrentInstallation();
+    return body(store);
   } catch (...) {
-    TraceFailure(kReadProcedure, foundation::DescribeCurrentException());
-    return L"";
+    TraceFailure(procedure, foundation::DescribeCurrentException());
+    return failed;
   }
+}
+
+}  // namespace
+
+std::wstring GetUserProfile(const std::wstring& name) {
+  return OrOnFailure(kReadProcedure, std::wstring(), [&](ProfileStore& store) { return store.Get(name); });
 }
 
 bool UpdateUserProfile(const std::wstring& name, const std::wstring& value) {
-  try {
-    return ProfileStore::ForCurrentInstallation().Update(name, value);
-  } catch (...) {
-    TraceFailure(kWriteProcedure, foundation::DescribeCurrentException());
-    return false;
-  }
+  return OrOnFailure(kWriteProcedure, false, [&](ProfileStore& store) { return store.Update(name, value); });
 }
 
 std::wstring CurrentUserName() {
-  try {
-    return ProfileStore::ForCurrentInstallation().CurrentUser();
-  } catch (...) {
-    TraceFailure(kReadProcedure, foundation::DescribeCurrentException());
-    return L"";
-  }
+  return OrOnFailure(kReadProcedure, std::wstring(), [](ProfileStore& store) { return store.CurrentUser(); });
 }
 
 bool SetCurrentUserName(const std::wstring& user) {
-  try {
-    return ProfileStore::ForCurrentInstallation().SetCurrentUser(user);
-  } catch (...) {
-    TraceFailure(kWriteProcedure, foundation::DescribeCurrentException());
-    return false;
-  }
+  return OrOnFailure(kWriteProcedure, false, [&](ProfileStore& store) { return store.SetCurrentUser(user); });
 }
 
 std::wstring DefaultUserName() {
-  try {
-    return ProfileStore::ForCurrentInstallation().DefaultUser();
-  } catch (...) {
-    TraceFailure(kReadProcedure, foundation::DescribeCurrentException());
-    return L"";
-  }
+  return OrOnFailure(kReadProcedure, std::wstring(), [](ProfileStore& store) { return store.DefaultUser(); });
 }
 
 bool WriteDefaultUser(const std::wstring& user) {
-  try {
-    return ProfileStore::ForCurrentInstallation().SetDefaultUser(user);
-  } catch (...) {
-    TraceFailure(kDefaultUserProcedure, foundation::DescribeCurrentException());
-    return false;
-  }
+  return OrOnFailure(kDefaultUserProcedure, false,
+                     [&](ProfileStore& store) { return store.SetDefaultUser(user); });
 }
 
 }  // namespace tavrine::profile

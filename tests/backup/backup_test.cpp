@@ -1,13 +1,16 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <stdexcept>
 #include <thread>
 
 #include "backup/backup_fixture.h"
-#include "operations/c_backup.h"
+#include "contract/c_backup.h"
 #include "platform/process.h"
+#include "platform/services.h"
+#include "support/fake_clock.h"
 
-namespace tavrine::operations {
+namespace tavrine::contract {
 namespace {
 
 namespace fs = std::filesystem;
@@ -46,12 +49,8 @@ TEST_F(CompareStep, ResultComesFromTheFirstLineOfDllOutput1) {
   struct Case {
     const char* scenario;
     std::int32_t result;
-  } cases[] = {{"result 1\n", 1},
-               {"result 0\n", 0},
-               {"result -3\n", -3},
-               {"result many\n", -1},  // not a number: no result
-               {"exit 0\n", -1},       // nothing written
-               {"crash\n", -1}};
+  } cases[] = {{"result 1\n", 1}, {"result 0\n", 0}, {"result -3\n", -3},
+               {"exit 0\n", -1}};  // nothing written; crashes and garbage: the hardening faults
   install_.SetScenario(EmptyListing());
   testing::WriteFileBytes(Folder() / "InputList.txt", "C:\\x.txt\r\n");
   for (const auto& c : cases) {
@@ -188,5 +187,32 @@ TEST_F(ManualBackup, UploadThatCannotStartOrIsCancelledLeavesNoUploadRecorded) {
   }
 }
 
+// A clock that fails on the pause after the schedule was asked to pause.
+class ClockFailingOnTheLongPause : public testing::FakeClock {
+ public:
+  void Sleep(std::uint32_t ms) override {
+    FakeClock::Sleep(ms);
+    if (ms == 2000) throw std::runtime_error("clock gone");
+  }
+};
+
+TEST_F(ManualBackup, AFailureWhileTheScheduleIsPausedResumesItAndIsTracedOnce) {
+  SetScheduleData("4242\r\nnightly\r\n");
+  testing::WriteFileBytes(Folder() / "InputList.txt", "C:\\x.txt\r\n");
+  ClockFailingOnTheLongPause failing;
+  platform::Services seams;
+  seams.clock = &failing;
+  {
+    platform::ScopedServices failing_clock(seams);
+    EXPECT_EQ(CBackup().W_BackupInit(0, folder_), -1);
+  }
+  EXPECT_EQ(failing.CountPauses(1000), 1u);  // the pause was asked for
+  EXPECT_TRUE(install_.Journal().empty());
+  ExpectScheduleResumed();
+  const std::string trace = TraceText();
+  EXPECT_NE(trace.find("[EXCEPTION] DoBackupInit() : clock gone"), std::string::npos) << trace;
+  EXPECT_EQ(trace.find("[EXCEPTION]"), trace.rfind("[EXCEPTION]")) << trace;
+}
+
 }  // namespace
-}  // namespace tavrine::operations
+}  // namespace tavrine::contract

@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "backup/backup_fixture.h"
-#include "operations/c_backup.h"
+#include "contract/c_backup.h"
 
-namespace tavrine::operations {
+namespace tavrine::contract {
 namespace {
 
 namespace fs = std::filesystem;
@@ -46,6 +46,14 @@ TEST_F(ScheduleControl, ProfileValuesPerMethod) {
   ExpectScheduleResumed();
   EXPECT_EQ(Profile(L"CLASSIC_SESSION"), L"FALSE");
 
+  // Enable withdraws a pause and resets; without a pause it is still done, and harmless.
+  SetScheduleData("17\r\njob\r\n");
+  backup.StopScheduleBackup(L"alice");
+  backup.DisableScheduleBackup(L"alice");
+  EXPECT_EQ(backup.EnableScheduleBackup(L"alice"), 1);
+  ExpectScheduleResumed();
+  EXPECT_EQ(backup.EnableScheduleBackup(L"alice"), 1);
+
   // Another user's values are theirs alone.
   EXPECT_EQ(backup.DisableScheduleBackup(L"bob"), 1);
   EXPECT_EQ(profile::ProfileStore::ForCurrentInstallation().GetForUser(L"bob", L"UPLOAD"), L"TRUE");
@@ -66,16 +74,5 @@ TEST_F(ScheduleControl, UnsafeUserNamesTouchNothing) {
   EXPECT_NE(TraceText().find("refused user name"), std::string::npos);
 }
 
-TEST_F(ScheduleControl, EnableRemovesThePauseAndResets) {
-  SetScheduleData("17\r\njob\r\n");
-  CBackup backup;
-  backup.StopScheduleBackup(L"alice");
-  backup.DisableScheduleBackup(L"alice");
-  EXPECT_EQ(backup.EnableScheduleBackup(L"alice"), 1);
-  ExpectScheduleResumed();
-  // Without a pause in place it is still done, and harmless.
-  EXPECT_EQ(backup.EnableScheduleBackup(L"alice"), 1);
-}
-
 }  // namespace
-}  // namespace tavrine::operations
+}  // namespace tavrine::contract

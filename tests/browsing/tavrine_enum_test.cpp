@@ -2,12 +2,13 @@
 
 #include <filesystem>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "browsing/browsing_state.h"
-#include "browsing/tavrine_enum.h"
+#include "contract/tavrine_enum.h"
 #include "engine/engine_run.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
@@ -21,7 +22,7 @@ namespace {
 
 using browsing::FileVersions;
 using browsing::FindData;
-using browsing::TavrinEenum;
+using contract::TavrinEenum;
 
 class EnumTest : public SessionTest {
  protected:
@@ -70,6 +71,36 @@ TEST_F(EnumTest, InitAsksTheEngineAndLoadsTheUsersListing) {
   other.TavrinEExitInstance();
   EXPECT_EQ(e.TavrinENextFile(data), -1);
   EXPECT_EQ(e.TavrinEFindFirstFile(L"C:\\Docs\\", data), -1);
+}
+
+// The machine-list run cannot be started at all; the listing run can.
+class LauncherFailingFirst : public platform::ProcessLauncher {
+ public:
+  std::unique_ptr<platform::RunningProcess> Start(const std::wstring& program,
+                                                  const std::wstring& parameters,
+                                                  const std::wstring& working_folder) override {
+    if (starts_++ == 0) throw std::runtime_error("no process slots");
+    return platform::SystemProcessLauncher().Start(program, parameters, working_folder);
+  }
+
+ private:
+  int starts_ = 0;
+};
+
+TEST_F(EnumTest, InitLoadsTheListingWhenTheMachineListQueryFails) {
+  WriteFileBytes(UserPath() / "Backupfile.txt",
+                 Utf16LeFile(L"C:\\Docs\\a.txt/2/100/01-31-2011 13:05:09/U\r\n"));
+  install_.SetScenario(EngineScenario().On(122).Output(402));
+  LauncherFailingFirst launcher;
+  platform::ScopedServices failing({.launcher = &launcher, .module_folder = {}});
+  TavrinEenum e;
+  EXPECT_EQ(e.TavrinEInit(), 1);
+  EXPECT_EQ(install_.Codes(), (std::vector<int>{122}));
+  const std::string trace = TraceText();
+  EXPECT_NE(trace.find("[EXCEPTION] GetMultiplePCInfo() : no process slots"), std::string::npos) << trace;
+  FindData data;
+  EXPECT_EQ(e.TavrinEFindFirstFile(L"C:\\Docs\\", data), 1);
+  EXPECT_EQ(data.cFilename, L"a.txt");
 }
 
 TEST_F(EnumTest, NextFileGoesOnOverALoadAnotherObjectMade) {

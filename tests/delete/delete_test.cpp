@@ -5,11 +5,13 @@
 
 #include "foundation/settings.h"
 #include "contract/cls_api_interface.h"
-#include "operations/ui_commands.h"
+#include "contract/ui_commands.h"
 #include "operations/session_fixture.h"
 #include "platform/path.h"
 
 namespace tavrine::operations {
+
+using contract::UICommands;
 namespace {
 
 namespace fs = std::filesystem;

@@ -3,10 +3,12 @@
 #include <fstream>
 
 #include "dialogs/dialog_host.h"
-#include "operations/ui_commands.h"
+#include "contract/ui_commands.h"
 #include "support/install_folder.h"
 
 namespace tavrine::operations {
+
+using contract::UICommands;
 namespace {
 
 class RecordingHost : public dialogs::DialogHost {

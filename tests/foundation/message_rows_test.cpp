@@ -6,13 +6,13 @@
 #include <string>
 
 #include "foundation/message_table.h"
-#include "operations/ui_commands.h"
+#include "contract/ui_commands.h"
 #include "support/install_folder.h"
 
 namespace tavrine::foundation {
 namespace {
 
-using operations::UICommands;
+using contract::UICommands;
 using testing::InstallFolder;
 
 struct ExpectedRow {

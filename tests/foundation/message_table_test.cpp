@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include "operations/ui_commands.h"
+#include "contract/ui_commands.h"
 #include "support/install_folder.h"
 
 namespace tavrine::foundation {
 namespace {
 
-using operations::UICommands;
+using contract::UICommands;
 using testing::InstallFolder;
 
 // Codes without a row leave the text alone (every row is checked in

@@ -9,9 +9,9 @@
 #include <optional>
 
 #include "backup/compare_harness.h"
-#include "browsing/tavrine_enum.h"
+#include "contract/tavrine_enum.h"
 #include "hardening_fixture.h"
-#include "operations/c_backup.h"
+#include "contract/c_backup.h"
 #include "contract/cls_api_interface.h"
 #include "platform/path.h"
 
@@ -72,7 +72,7 @@ class EngineFaults : public HardeningSession {
         {"API_DELETE_REMOTE_FILE", 6, 402, nullptr, "",
          [this] { return Api().API_DELETE_REMOTE_FILE(DeleteList()); }, 1, -1, 1},
         // The listing it loads is the user's own file; the engine only refreshes it.
-        {"TavrinEInit", 122, 402, nullptr, "", [] { return browsing::TavrinEenum().TavrinEInit(); },
+        {"TavrinEInit", 122, 402, nullptr, "", [] { return contract::TavrinEenum().TavrinEInit(); },
          1, 0, 0},
     };
   }
@@ -147,13 +147,13 @@ TEST_F(EngineFaults, BackupCompareSurvivesEachFault) {
     WriteFileBytes(platform::ToFsPath(folder) / "InputList.txt", "C:\\x.txt\r\n");
     WriteCompareScenario(install_.path(), scenario);
     NewTrace();
-    EXPECT_EQ(operations::CBackup().W_BackupInit(0, folder), -1);
+    EXPECT_EQ(contract::CBackup().W_BackupInit(0, folder), -1);
     EXPECT_FALSE(NewTrace().empty());
-    operations::CBackup().W_BackupExitInstance();
+    contract::CBackup().W_BackupExitInstance();
     WriteCompareScenario(install_.path(), "result 1\n");
     WriteFileBytes(platform::ToFsPath(folder) / "InputList.txt", "C:\\x.txt\r\n");
-    EXPECT_EQ(operations::CBackup().W_BackupInit(0, folder), 1) << "the next good call";
-    operations::CBackup().W_BackupExitInstance();
+    EXPECT_EQ(contract::CBackup().W_BackupInit(0, folder), 1) << "the next good call";
+    contract::CBackup().W_BackupExitInstance();
   }
 }
 

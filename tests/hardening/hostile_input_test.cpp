@@ -45,15 +45,15 @@ TEST_F(Hostile, VersionNumbersOutOfReachAreSkippedNotAllocated) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
     WriteFileBytes(platform::ToFsPath(folder) / "BackupVersion.txt", row.text);
-    browsing::CTavrinEFileHistory history;
-    history.Init();
+    browsing::VersionHistory history;
+    history.Restart();
     history.set_folder(folder);
-    ASSERT_EQ(history.FetchAllVersions(), 1);
+    ASSERT_EQ(history.ReadVersionFile(), 1);
     EXPECT_LE(browsing::CurrentBrowsingState().versions.size(), 100001u);
     history.set_folder(L"");
     std::vector<std::int16_t> shown;
     browsing::FileVersions version;
-    while (history.GetFileVersion(version) != -1 && shown.size() < 40) shown.push_back(version.nVersion);
+    while (history.Next(version) != -1 && shown.size() < 40) shown.push_back(version.nVersion);
     EXPECT_EQ(shown, row.shown);
   }
 }

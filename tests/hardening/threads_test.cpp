@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "browsing/browsing_state.h"
-#include "browsing/tavrine_enum.h"
+#include "contract/tavrine_enum.h"
 #include "foundation/settings.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
@@ -51,7 +51,7 @@ struct Walker {
 
     if (!together.ArriveAndWait()) failures.push_back(L"the other thread never started");
     for (int round = 0; round < rounds; ++round) {
-      browsing::TavrinEenum enumeration;
+      contract::TavrinEenum enumeration;
       if (enumeration.TavrinEInit() != 1) failures.push_back(L"init failed");
       browsing::FindData data;
       int seen = 0;

@@ -6,12 +6,14 @@
 #include "contract/cls_api_interface.h"
 #include "operations/last_quota.h"
 #include "operations/shared_texts.h"
-#include "operations/ui_commands.h"
+#include "contract/ui_commands.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
 #include "session_fixture.h"
 
 namespace tavrine::operations {
+
+using contract::UICommands;
 namespace {
 
 namespace fs = std::filesystem;

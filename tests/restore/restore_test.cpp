@@ -3,7 +3,7 @@
 #include <string>
 
 #include "foundation/settings.h"
-#include "operations/c_restore.h"
+#include "contract/c_restore.h"
 #include "contract/cls_api_interface.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
@@ -47,7 +47,7 @@ TEST_F(RestoreTest, RequestFilesPerHostCount) {
     const std::size_t before = install_.Journal().size();
     clock_.ClearPauses();
 
-    EXPECT_NE(operations::CRestore().W_Restore(c.dest, c.parent, folder), -1);
+    EXPECT_NE(contract::CRestore().W_Restore(c.dest, c.parent, folder), -1);
     // The library does not wait for the restore run; the test waits for its journal line.
     ASSERT_TRUE(WaitUntil([&] { return install_.Journal().size() == before + 1; }));
     auto runs = install_.Journal();
@@ -63,7 +63,7 @@ TEST_F(RestoreTest, RequestFilesPerHostCount) {
 
 TEST_F(RestoreTest, EngineThatCannotStartGivesMinusOne) {
   std::filesystem::remove(install_.path() / "TavrinEClsClient.exe");
-  EXPECT_EQ(operations::CRestore().W_Restore(L"C:\\R", L"C:\\D", CallerFolder(L"x")), -1);
+  EXPECT_EQ(contract::CRestore().W_Restore(L"C:\\R", L"C:\\D", CallerFolder(L"x")), -1);
 }
 
 TEST_F(RestoreTest, VersionRetries) {
@@ -86,7 +86,7 @@ TEST_F(RestoreTest, VersionRetries) {
     clock_.ClearPauses();
     SliceCountingLauncher launcher;
     platform::ScopedServices counting({.launcher = &launcher, .module_folder = {}});
-    EXPECT_EQ(operations::CRestore().W_GetVersions(L"C:\\Docs\\a.txt"), c.result);
+    EXPECT_EQ(contract::CRestore().W_GetVersions(L"C:\\Docs\\a.txt"), c.result);
     ASSERT_EQ(install_.Codes(), c.codes);
     EXPECT_EQ(clock_.pauses(), std::vector<std::uint32_t>(clock_.pauses().size(), 100u));
     std::size_t version_slices = 0;  // the login run waits without pauses

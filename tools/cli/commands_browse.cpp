@@ -2,7 +2,7 @@
 #include <iostream>
 
 #include "browsing/browsing_state.h"
-#include "browsing/tavrine_enum.h"
+#include "contract/tavrine_enum.h"
 #include "commands.h"
 #include "format.h"
 #include "remote_walk.h"
@@ -12,7 +12,7 @@ namespace tavrine::cli {
 namespace {
 
 // Loads the listing once for this run (engine code 122, or the files on disk).
-bool LoadRemoteListing(browsing::TavrinEenum& browser) {
+bool LoadRemoteListing(contract::TavrinEenum& browser) {
   Progress("Fetching the remote listing...");
   bool loaded = browser.TavrinEInit() != 0;
   EndProgress();
@@ -32,7 +32,7 @@ void PrintEntry(const RemoteEntry& entry) {
             << PadLeft("v" + std::to_string(entry.data.nVersion), 4) << "  " << name << "\n";
 }
 
-void PrintTree(browsing::TavrinEenum& browser, const std::wstring& folder,
+void PrintTree(contract::TavrinEenum& browser, const std::wstring& folder,
                const std::string& indent, std::size_t& files, std::size_t& folders) {
   auto entries = ListFolder(browser, folder);
   for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -56,7 +56,7 @@ void PrintTree(browsing::TavrinEenum& browser, const std::wstring& folder,
 
 int CommandLs(const Arguments& args) {
   if (!RequireSession()) return kExitNotReady;
-  browsing::TavrinEenum browser;
+  contract::TavrinEenum browser;
   if (!LoadRemoteListing(browser)) return kExitFailed;
   if (args.positional().empty()) {
     for (const auto& name : TopLevelNames()) std::cout << Utf8(name) << "\n";
@@ -79,7 +79,7 @@ int CommandLs(const Arguments& args) {
 
 int CommandTree(const Arguments& args) {
   if (!RequireSession()) return kExitNotReady;
-  browsing::TavrinEenum browser;
+  contract::TavrinEenum browser;
   if (!LoadRemoteListing(browser)) return kExitFailed;
   std::vector<std::wstring> roots;
   for (const auto& path : args.positional()) roots.push_back(FolderPath(Wide(path)));
@@ -101,7 +101,7 @@ int CommandVersions(const Arguments& args) {
     return kExitUsage;
   }
   if (!RequireSession()) return kExitNotReady;
-  browsing::TavrinEenum browser;
+  contract::TavrinEenum browser;
   browsing::FileVersions version;
   std::wstring file = Wide(args.positional()[0]);
   Progress("Fetching the versions...");
@@ -124,7 +124,7 @@ int CommandVersions(const Arguments& args) {
 
 int CommandMachines(const Arguments&) {
   if (!RequireSession()) return kExitNotReady;
-  browsing::TavrinEenum browser;
+  contract::TavrinEenum browser;
   Progress("Fetching the computers of the account...");
   std::int32_t answer = browser.GetMultiplePCInfo();
   std::int32_t count = browser.ReadMachineList();

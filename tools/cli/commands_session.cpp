@@ -7,7 +7,7 @@
 #include "foundation/message_table.h"
 #include "foundation/settings.h"
 #include "format.h"
-#include "operations/ui_commands.h"
+#include "contract/ui_commands.h"
 #include "profile/profile_store.h"
 
 namespace tavrine::cli {
@@ -74,7 +74,7 @@ int CommandQuota(const Arguments&) {
   constexpr double kUntouched = -2;
   double max_size = kUntouched, used = kUntouched;
   Progress("Reading the quota...");
-  operations::UICommands().W_GetQuota_Command(max_size, used);
+  contract::UICommands().W_GetQuota_Command(max_size, used);
   EndProgress();
   if (used == kUntouched) return Fail("the quota could not be read", -416);
   if (used < 0) {
@@ -105,7 +105,7 @@ int CommandMessage(const Arguments& args) {
     std::cerr << "error: CODE must be a number\n";
     return kExitUsage;
   }
-  operations::UICommands commands;
+  contract::UICommands commands;
   std::wstring text, title;
   std::int16_t type = 0;
   if (commands.W_GetMessageString(static_cast<std::int32_t>(code), text) == 0) {

@@ -12,9 +12,9 @@
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "format.h"
-#include "operations/c_backup.h"
-#include "operations/c_restore.h"
-#include "operations/ui_commands.h"
+#include "contract/c_backup.h"
+#include "contract/c_restore.h"
+#include "contract/ui_commands.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
 #include "remote_walk.h"
@@ -72,7 +72,7 @@ int CommandRestore(const Arguments& args) {
 
   std::wstring remote = Wide(args.positional()[0]);
   Progress("Restoring " + args.positional()[0] + "...");
-  std::int32_t handle = operations::CRestore().W_Restore(target, remote, exchange.path());
+  std::int32_t handle = contract::CRestore().W_Restore(target, remote, exchange.path());
   if (handle == -1) return Fail("the restore could not be started", -1);
   std::int32_t code = WaitForEngine(handle, exchange.path());
   EndProgress();
@@ -98,7 +98,7 @@ int CommandRm(const Arguments& args) {
   std::wstring list = list_folder.File(L"InputDelete.txt");
   if (!foundation::WriteUtf16Lines(list, items)) return Fail("the delete list could not be written", -1001);
   Progress("Deleting " + std::to_string(items.size()) + " item(s)...");
-  std::int32_t result = operations::UICommands().W_DeleteRemoteFiles(list);
+  std::int32_t result = contract::UICommands().W_DeleteRemoteFiles(list);
   EndProgress();
   if (result != 1) return Fail("the delete failed", result);
   for (const auto& path : args.positional()) std::cout << "Deleted " << path << "\n";
@@ -125,7 +125,7 @@ int CommandBackup(const Arguments& args) {
     return Fail("the backup list could not be written", -1001);
   }
 
-  operations::CBackup backup;
+  contract::CBackup backup;
   Progress("Comparing with the remote backup...");
   std::int32_t compared = backup.W_BackupInit(0, exchange.path());
   if (compared != operations::kCompareFoundItems) {

@@ -24,7 +24,7 @@ std::vector<std::wstring> TopLevelNames() {
   return names;
 }
 
-std::vector<RemoteEntry> ListFolder(browsing::TavrinEenum& browser, const std::wstring& folder) {
+std::vector<RemoteEntry> ListFolder(contract::TavrinEenum& browser, const std::wstring& folder) {
   // Keyed case-insensitively, as the listing compares names.
   std::map<std::wstring, RemoteEntry> children;
   browsing::FindData data;

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "browsing/tavrine_enum.h"
+#include "contract/tavrine_enum.h"
 
 namespace tavrine::cli {
 
@@ -23,6 +23,6 @@ std::vector<std::wstring> TopLevelNames();
 
 // The direct children of a folder: the enumeration answers every line below
 // the folder, so deeper lines stand for their first folder.
-std::vector<RemoteEntry> ListFolder(browsing::TavrinEenum& browser, const std::wstring& folder);
+std::vector<RemoteEntry> ListFolder(contract::TavrinEenum& browser, const std::wstring& folder);
 
 }  // namespace tavrine::cli

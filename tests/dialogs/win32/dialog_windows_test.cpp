@@ -15,7 +15,7 @@
 #include "dialogs/win32/dialogs_win32.h"
 #include "dialogs/win32/resource.h"
 #include "foundation/file_system.h"
-#include "operations/ui_commands.h"
+#include "contract/ui_commands.h"
 #include "platform/module_folder.h"
 #include "profile/profile_store.h"
 #include "window_driver.h"
@@ -245,7 +245,7 @@ TEST_F(LoginCommand, ClosingTheLoginWindowByItsTitleCancelsTheLogin) {
     platform::SystemUi().CloseWindowByTitle(L"TavrinE Online Backup - Login");
   });
   std::int32_t owner = 0;
-  EXPECT_EQ(operations::UICommands().UI_Login_Command(owner), -32766);
+  EXPECT_EQ(contract::UICommands().UI_Login_Command(owner), -32766);
   EXPECT_TRUE(driver.done());
 }
 

@@ -12,7 +12,7 @@
 
 #include "dialogs/win32/dialogs_win32.h"
 #include "dialogs/win32/resource.h"
-#include "operations/ui_commands.h"
+#include "contract/ui_commands.h"
 #include "window_driver.h"
 
 namespace tavrine::dialogs::win32 {
@@ -53,7 +53,7 @@ TEST_P(DialogWindows, SessionWindowShowsTheQuotaAndRefreshesItFromTheKeyboard) {
     PostKey(window, VK_ESCAPE);
   });
   std::int32_t owner = 0;
-  EXPECT_EQ(operations::UICommands().UI_Session_Command(owner), 1);
+  EXPECT_EQ(contract::UICommands().UI_Session_Command(owner), 1);
   EXPECT_TRUE(driver.done());
   EXPECT_EQ(user, L"alice");
   EXPECT_EQ(server, L"127.0.0.1");
@@ -123,7 +123,7 @@ TEST_P(DialogWindows, LoginDialogWorksFromTheKeyboardAlone) {
     PostKey(window, VK_ESCAPE);
   });
   std::int32_t owner = 0;
-  EXPECT_EQ(operations::UICommands().UI_Login_Command(owner), -403);
+  EXPECT_EQ(contract::UICommands().UI_Login_Command(owner), -403);
   EXPECT_TRUE(driver.done());
   const std::vector<int> expected_order = {
       IDC_txtUserName, IDC_txtPassword,      IDC_schipaddress,      IDC_remunamepwd,

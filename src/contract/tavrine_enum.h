@@ -1,17 +1,15 @@
 #pragma once
 #include <cstdint>
-#include <memory>
 #include <string>
 
-#include "browsing/file_history.h"
 #include "browsing/records.h"
-#include "browsing/remote_tree.h"
+#include "browsing/remote_browser.h"
 
-namespace tavrine::browsing {
+namespace tavrine::contract {
 
-// Lists the remote backup folder by folder for the shell side, in the manner
-// of a find-first / find-next search, plus a file's versions and the
-// computers of the account.
+// TavrinEenum as the shell side calls it: the remote listing walked folder by
+// folder, a file's versions and the account's computers. Every method traps
+// what the browser throws into its "[EXCEPTION] " line and its failure value.
 class TavrinEenum {
  public:
   using FindData = browsing::FindData;
@@ -33,10 +31,7 @@ class TavrinEenum {
   bool IsItemExists(const std::wstring& strval);
 
  private:
-  std::shared_ptr<const RemoteListing> tree_;
-  EnumCursor cursor_;
-  std::wstring user_name_;
-  CTavrinEFileHistory history_;
+  browsing::RemoteBrowser browser_;
 };
 
-}  // namespace tavrine::browsing
+}  // namespace tavrine::contract

@@ -2,9 +2,9 @@
 #include <cstdint>
 #include <string>
 
-namespace tavrine::operations {
+namespace tavrine::contract {
 
-// Restore and version fetch for the shell side.
+// CRestore as the shell side calls it: restore and version fetch.
 class CRestore {
  public:
   std::int32_t W_Restore(const std::wstring& destPath, const std::wstring& parentPath,
@@ -12,4 +12,4 @@ class CRestore {
   std::int32_t W_GetVersions(const std::wstring& filename);
 };
 
-}  // namespace tavrine::operations
+}  // namespace tavrine::contract
