@@ -29,12 +29,17 @@ HWND WaitForWindow(const std::wstring& title, int timeout_ms) {
   return window_png::WaitForDialog(title, timeout_ms);
 }
 
+// A message box's text is its control 0xFFFF.
+static std::wstring BoxText(HWND box) {
+  HWND label = GetDlgItem(box, 0xFFFF);
+  return label ? WindowText(label) : std::wstring();
+}
+
 // Reads the open message box's text and presses OK.
 std::wstring DismissBox(const std::wstring& title) {
   HWND box = WaitForWindow(title);
   if (!box) return L"<no box>";
-  std::wstring text;
-  if (HWND label = GetDlgItem(box, 0xFFFF)) text = WindowText(label);
+  const std::wstring text = BoxText(box);
   PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
   for (int i = 0; i < 100 && IsWindow(box); ++i) Sleep(20);
   return text;
@@ -105,8 +110,7 @@ bool WaitForFocus(HWND dialog, int id) {
 std::wstring AnswerBoxWithEnter(const std::wstring& title) {
   HWND box = WaitForWindow(title);
   if (!box) return L"<no box>";
-  std::wstring text;
-  if (HWND label = GetDlgItem(box, 0xFFFF)) text = WindowText(label);
+  const std::wstring text = BoxText(box);
   if (!testing::WaitUntil([&] { return IsChild(box, FocusOf(box)) != FALSE; }, 5000)) return L"<no focus>";
   PostKey(box, VK_RETURN);
   if (!testing::WaitUntil([&] { return !IsWindow(box); }, 5000)) return L"<still open>";
