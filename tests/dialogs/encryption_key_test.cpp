@@ -68,8 +68,8 @@ TEST(EncKeyOption, ContinueChecksInOrder) {
     EncKeyOptionPresenter presenter(view);
     presenter.OnContinue();
     using Boxes = std::vector<testing::RecordedBox>;
-    EXPECT_EQ(install.ui().boxes(),
-              (row.box ? Boxes{{row.box, foundation::CurrentSettings().message_title, row.style}} : Boxes{}));
+    const std::wstring& title = foundation::CurrentSettings().message_title;
+    EXPECT_EQ(install.ui().boxes(), (row.box ? Boxes{{row.box, title, row.style}} : Boxes{}));
     EXPECT_EQ(view.cleared, row.cleared);
     EXPECT_EQ(view.focused, !row.accepted);
     EXPECT_EQ(view.closed, row.accepted);

@@ -140,7 +140,7 @@ TEST_F(LoginTest, EachFailureCodeShowsItsOneMessageAndLeavesTheProfileAlone) {
       LoginProcedure procedure(view_, L"");
       EXPECT_FALSE(procedure.OnLogin());
       EXPECT_EQ(ui_.boxes(), (row.text ? Boxes{{row.text, row.title, kStopBox}} : Boxes{}));
-      EXPECT_TRUE(!row.text || !fs::exists(install_.path() / "LoginProgress.txt"));
+      if (row.text) { EXPECT_FALSE(fs::exists(install_.path() / "LoginProgress.txt")); }
       EXPECT_EQ(procedure.result_code(), code);
       // Closing the dialog now keeps the code: the caller learns why.
       procedure.OnCancel();

@@ -36,7 +36,8 @@ TEST_F(ProxyTest, EnabledWithoutAddressWritesOnlyTheFlag) {
   view_.address.clear();
   EXPECT_FALSE(Presenter().OnApply());
   EXPECT_EQ(written_, (Written{{L"Proxyset", L"1"}}));
-  EXPECT_EQ(install_.ui().boxes(), (Boxes{{L"Enter the proxy address.", kTitle, platform::kMbIconStop}}));
+  EXPECT_EQ(install_.ui().boxes(),
+            (Boxes{{L"Enter the proxy address.", kTitle, platform::kMbIconStop}}));
   EXPECT_EQ(view_.focus, L"address");
 }
 
@@ -91,8 +92,9 @@ TEST_F(ProxyTest, SystemSettingsFillTheFieldsWhenTheProxyIsOn) {
   registry_->WriteDword(kInternetSettingsKey, L"ProxyEnable", 0);
   registry_->WriteString(kInternetSettingsKey, L"ProxyServer", L"other:99");
   Presenter().OnGetIeSettings();
-  EXPECT_EQ(install_.ui().boxes(), (Boxes{{L"The local Internet proxy settings are currently disabled.", kTitle,
-                                             platform::kMbIconInformation}}));
+  EXPECT_EQ(install_.ui().boxes(),
+            (Boxes{{L"The local Internet proxy settings are currently disabled.", kTitle,
+                    platform::kMbIconInformation}}));
   EXPECT_EQ(view_.address, L"keep");
   EXPECT_FALSE(view_.enabled);
 
