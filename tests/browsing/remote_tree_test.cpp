@@ -38,6 +38,13 @@ std::unique_ptr<Loaded> Load(const std::wstring& text, const std::wstring& machi
   return loaded;
 }
 
+// The same file read by the plain scan, the reference the index is compared with.
+LinearScanListing PlainLoad(const Loaded& loaded, const std::wstring& machine = L"") {
+  LinearScanListing plain;
+  plain.LoadFile(platform::FromFsPath(loaded.temp.path() / "Backupfile.txt"), machine);
+  return plain;
+}
+
 constexpr std::uint64_t kJan31 = 129409527090000000ULL;  // 01-31-2011 13:05:09, ticks since 1601 UTC
 
 TEST(ListingDate, ConvertsWithoutTimeZoneShift) {
@@ -372,8 +379,7 @@ TEST(ListingLoad, EveryLineComesBackAsLoaded) {
             L"/" + date + L"/U\r\n";
   }
   auto dated = Load(more);
-  LinearScanListing plain_dated;
-  plain_dated.LoadFile(platform::FromFsPath(dated->temp.path() / "Backupfile.txt"), L"");
+  LinearScanListing plain_dated = PlainLoad(*dated);
   for (std::int32_t i = 1; i <= dated->listing.count(); ++i)
     ASSERT_EQ(dated->listing.Entry(i), plain_dated.entry(static_cast<std::size_t>(i))) << i;
   for (wchar_t letter = L'A'; letter <= L'Z'; ++letter) {
@@ -383,19 +389,6 @@ TEST(ListingLoad, EveryLineComesBackAsLoaded) {
       EXPECT_FALSE(indexed.empty()) << static_cast<char>(letter);
       EXPECT_EQ(indexed, Walk(plain_dated, folder)) << static_cast<char>(letter);
     }
-  }
-
-  // And the odd listings of the comparison below, beside the plain load.
-  std::mt19937 rng(777);
-  for (int round = 0; round < 30; ++round) {
-    std::vector<std::wstring> folders;
-    const std::wstring machine = round % 3 == 2 ? L"PC" + std::to_wstring(round) : L"";
-    auto odd = Load(OddListing(rng, folders), machine);
-    LinearScanListing plain;
-    plain.LoadFile(platform::FromFsPath(odd->temp.path() / "Backupfile.txt"), machine);
-    ASSERT_EQ(plain.size(), static_cast<std::size_t>(odd->listing.count())) << round;
-    for (std::size_t i = 1; i <= plain.size(); ++i)
-      ASSERT_EQ(odd->listing.Entry(static_cast<std::int32_t>(i)), plain.entry(i)) << round << " " << i;
   }
 }
 
@@ -425,8 +418,7 @@ TEST(ListingFind, KeysInOddPlacesAnswerAsThePlainScan) {
   };
   for (const Case& c : cases) {
     auto loaded = Load(c.text, c.machine);
-    LinearScanListing plain;
-    plain.LoadFile(platform::FromFsPath(loaded->temp.path() / "Backupfile.txt"), c.machine);
+    LinearScanListing plain = PlainLoad(*loaded, c.machine);
     int answered = 0;
     for (const std::wstring& query : c.queries) {
       const std::vector<Found> expected = Walk(plain, query);
@@ -437,6 +429,8 @@ TEST(ListingFind, KeysInOddPlacesAnswerAsThePlainScan) {
   }
 }
 
+// The odd listings load every line as the plain load does, and the index
+// answers every query as a scan of the same load.
 TEST(ListingFind, IndexAnswersAsThePlainScan) {
   std::mt19937 rng(12345);
   for (int round = 0; round < 60; ++round) {
@@ -445,9 +439,10 @@ TEST(ListingFind, IndexAnswersAsThePlainScan) {
     const std::wstring machine = round % 4 == 3 ? L"PC" + std::to_wstring(round) : L"";
     auto loaded = Load(text, machine);
     LinearScanListing scan = LinearScanListing::From(loaded->listing);
-    LinearScanListing plain;
-    plain.LoadFile(platform::FromFsPath(loaded->temp.path() / "Backupfile.txt"), machine);
+    LinearScanListing plain = PlainLoad(*loaded, machine);
     ASSERT_EQ(plain.size(), static_cast<std::size_t>(loaded->listing.count())) << round;
+    for (std::size_t i = 1; i <= plain.size(); ++i)
+      ASSERT_EQ(loaded->listing.Entry(static_cast<std::int32_t>(i)), plain.entry(i)) << round << " " << i;
 
     std::vector<std::wstring> queries = {L"", L"C:\\", L"c:", L"D:\\", L"C:\\docs", L"c:\\Docs\\",
                                          L"C:\\ärger\\", L"c:\\ФОТО\\", L"c:\\x", L"c:\\d",

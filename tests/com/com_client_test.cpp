@@ -63,6 +63,12 @@ bool ClassesKeyExists(const std::wstring& subkey) {
   return RegOpenKeyExW(HKEY_CLASSES_ROOT, subkey.c_str(), 0, KEY_QUERY_VALUE, key.put()) == ERROR_SUCCESS;
 }
 
+// An export of a loaded DLL; through void*, as FARPROC's own signature is meaningless.
+template <class Function>
+Function Export(HMODULE module, const char* name) {
+  return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+}
+
 // The DLL loaded once for the whole program, registered for the tests and
 // unregistered at the end.
 struct Server {
@@ -70,17 +76,12 @@ struct Server {
     static Server server;
     return server;
   }
-  template <class Function>
-  Function Export(const char* name) const {
-    // Through void*: FARPROC's own signature is meaningless.
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
-  }
   std::wstring path = (tavrine::testing::TestProgramFolder() / L"TavrinEUI.dll").wstring();
   HMODULE module = LoadLibraryW(path.c_str());
-  ExportFunction can_unload_now = Export<ExportFunction>("DllCanUnloadNow");
-  ExportFunction register_server = Export<ExportFunction>("DllRegisterServer");
-  ExportFunction unregister_server = Export<ExportFunction>("DllUnregisterServer");
-  GetClassObjectFunction get_class_object = Export<GetClassObjectFunction>("DllGetClassObject");
+  ExportFunction can_unload_now = Export<ExportFunction>(module, "DllCanUnloadNow");
+  ExportFunction register_server = Export<ExportFunction>(module, "DllRegisterServer");
+  ExportFunction unregister_server = Export<ExportFunction>(module, "DllUnregisterServer");
+  GetClassObjectFunction get_class_object = Export<GetClassObjectFunction>(module, "DllGetClassObject");
 };
 
 class ComEnvironment : public ::testing::Environment {
@@ -368,8 +369,7 @@ class InstalledCopy {
   }
   ComPtr<_clsClient> CreateClient() const {
     ComPtr<_clsClient> client;
-    auto get_class_object = reinterpret_cast<GetClassObjectFunction>(
-        reinterpret_cast<void*>(GetProcAddress(module_, "DllGetClassObject")));
+    auto get_class_object = Export<GetClassObjectFunction>(module_, "DllGetClassObject");
     ComPtr<IClassFactory> factory;
     if (!get_class_object || FAILED(get_class_object(CLSID_clsClient, IID_IClassFactory, factory.put_void())))
       return client;

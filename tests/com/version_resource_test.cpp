@@ -26,13 +26,12 @@ struct VersionInfo {
     UINT length = 0;
     if (!VerQueryValueW(block.data(), L"\\", &value, &length) || length < sizeof(VS_FIXEDFILEINFO)) return L"";
     const auto* fixed = static_cast<const VS_FIXEDFILEINFO*>(value);
-    return std::to_wstring(HIWORD(fixed->dwFileVersionMS)) + L"." + std::to_wstring(LOWORD(fixed->dwFileVersionMS)) +
-           L"." + std::to_wstring(HIWORD(fixed->dwFileVersionLS)) + L"." +
-           std::to_wstring(LOWORD(fixed->dwFileVersionLS)) + L" / " +
-           std::to_wstring(HIWORD(fixed->dwProductVersionMS)) + L"." +
-           std::to_wstring(LOWORD(fixed->dwProductVersionMS)) + L"." +
-           std::to_wstring(HIWORD(fixed->dwProductVersionLS)) + L"." +
-           std::to_wstring(LOWORD(fixed->dwProductVersionLS));
+    auto dotted = [](DWORD ms, DWORD ls) {
+      return std::to_wstring(HIWORD(ms)) + L"." + std::to_wstring(LOWORD(ms)) + L"." + std::to_wstring(HIWORD(ls)) +
+             L"." + std::to_wstring(LOWORD(ls));
+    };
+    return dotted(fixed->dwFileVersionMS, fixed->dwFileVersionLS) + L" / " +
+           dotted(fixed->dwProductVersionMS, fixed->dwProductVersionLS);
   }
 };
 
@@ -63,13 +62,10 @@ TEST(VersionResource, EveryBinaryCarriesTheProjectVersionAndItsOwnName) {
     EXPECT_EQ(info.Text(L"ProductName"), Wide(TAVRINE_PRODUCT_NAME));
     EXPECT_NE(info.Text(L"FileDescription"), L"<missing>");
   }
-}
-
-TEST(VersionResource, TheDllDescribesItself) {
-  const VersionInfo info =
-      ReadVersionInfo((tavrine::testing::TestProgramFolder() / L"TavrinEUI.dll").wstring());
-  EXPECT_EQ(info.Text(L"FileDescription"), L"TavrinEUI interface library (COM server)");
-  EXPECT_EQ(info.Text(L"InternalName"), L"TavrinEUI");
+  // The DLL describes itself.
+  const VersionInfo dll = ReadVersionInfo((tavrine::testing::TestProgramFolder() / L"TavrinEUI.dll").wstring());
+  EXPECT_EQ(dll.Text(L"FileDescription"), L"TavrinEUI interface library (COM server)");
+  EXPECT_EQ(dll.Text(L"InternalName"), L"TavrinEUI");
 }
 
 }  // namespace

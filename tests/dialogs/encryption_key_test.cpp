@@ -67,14 +67,9 @@ TEST(EncKeyOption, ContinueChecksInOrder) {
     view.key2 = row.key2;
     EncKeyOptionPresenter presenter(view);
     presenter.OnContinue();
-    if (row.box) {
-      ASSERT_EQ(install.ui().boxes().size(), 1u);
-      EXPECT_EQ(install.ui().boxes()[0].text, row.box);
-      EXPECT_EQ(install.ui().boxes()[0].style, row.style);
-      EXPECT_EQ(install.ui().boxes()[0].title, foundation::CurrentSettings().message_title);
-    } else {
-      EXPECT_TRUE(install.ui().boxes().empty());
-    }
+    using Boxes = std::vector<testing::RecordedBox>;
+    const std::wstring& title = foundation::CurrentSettings().message_title;
+    EXPECT_EQ(install.ui().boxes(), (row.box ? Boxes{{row.box, title, row.style}} : Boxes{}));
     EXPECT_EQ(view.cleared, row.cleared);
     EXPECT_EQ(view.focused, !row.accepted);
     EXPECT_EQ(view.closed, row.accepted);
@@ -111,8 +106,7 @@ TEST(EncryptionPsd, BlankStaysOpenAndAnyTextIsHandedBackTrimmed) {
   blank_presenter.OnContinue();
   EXPECT_TRUE(blank.cleared && blank.focused);
   EXPECT_FALSE(blank.closed);
-  ASSERT_EQ(install.ui().boxes().size(), 1u);
-  EXPECT_EQ(install.ui().boxes()[0].text, kBlank);
+  EXPECT_EQ(install.ui().box_texts(), std::vector<std::wstring>{kBlank});
 
   FakePsdView given;
   given.key = L" ab ";  // no length rule here: the service decides

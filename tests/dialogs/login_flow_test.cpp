@@ -26,6 +26,9 @@ using testing::RequestLine;
 
 constexpr const wchar_t* kTitle = L"TavrinE Online Backup";
 constexpr const wchar_t* kEmail = L"bob@example.com";
+constexpr unsigned kStopBox = platform::kMbOk | platform::kMbIconStop;
+using Boxes = std::vector<testing::RecordedBox>;
+using Texts = std::vector<std::wstring>;
 
 class LoginTest : public testing::SessionTest {
  protected:
@@ -136,15 +139,8 @@ TEST_F(LoginTest, EachFailureCodeShowsItsOneMessageAndLeavesTheProfileAlone) {
       foundation::CurrentSettings().renew_random_permitted = false;
       LoginProcedure procedure(view_, L"");
       EXPECT_FALSE(procedure.OnLogin());
-      if (row.text) {
-        EXPECT_FALSE(fs::exists(install_.path() / "LoginProgress.txt"));
-        ASSERT_EQ(ui_.boxes().size(), 1u);
-        EXPECT_EQ(ui_.boxes()[0].text, row.text);
-        EXPECT_EQ(ui_.boxes()[0].title, row.title);
-        EXPECT_EQ(ui_.boxes()[0].style, platform::kMbOk | platform::kMbIconStop);
-      } else {
-        EXPECT_TRUE(ui_.boxes().empty());
-      }
+      EXPECT_EQ(ui_.boxes(), (row.text ? Boxes{{row.text, row.title, kStopBox}} : Boxes{}));
+      if (row.text) { EXPECT_FALSE(fs::exists(install_.path() / "LoginProgress.txt")); }
       EXPECT_EQ(procedure.result_code(), code);
       // Closing the dialog now keeps the code: the caller learns why.
       procedure.OnCancel();
@@ -234,9 +230,7 @@ TEST_F(LoginTest, MissingInputOrANameThatCannotBeAnAccountStopsBeforeAnyEngineRu
     view_.password = row.password;
     view_.focus.clear();
     EXPECT_FALSE(PressLogin());
-    ASSERT_EQ(ui_.boxes().size(), 1u) << row.user;
-    EXPECT_EQ(ui_.boxes()[0].text, row.text);
-    EXPECT_EQ(ui_.boxes()[0].style, platform::kMbOk | platform::kMbIconStop);
+    EXPECT_EQ(ui_.boxes(), (Boxes{{row.text, kTitle, kStopBox}})) << row.user;
     EXPECT_EQ(view_.focus, row.focus);
     EXPECT_EQ(view_.lock_count, 0);
   }
@@ -292,10 +286,8 @@ TEST_F(LoginTest, EmailWithSeveralAccountsOffersAChoiceAndLogsInOnTheNextPress) 
   EXPECT_EQ(profile::ProfileStore::ForCurrentInstallation().GetForUser(kEmail, L"display"),
             L"false");
   EXPECT_EQ(view_.choice_names, (std::vector<std::wstring>{L"bob", L"carol"}));
-  ASSERT_EQ(ui_.boxes().size(), 1u);
-  EXPECT_EQ(ui_.boxes()[0].text,
-            L"There are multiple accounts associated with this email address. Choose the username "
-            L"with which you want to login.");
+  EXPECT_EQ(ui_.box_texts(), Texts{L"There are multiple accounts associated with this email "
+                                   L"address. Choose the username with which you want to login."});
   EXPECT_EQ(Codes(), (std::vector<int>{117, 110}));
   EXPECT_NE(TraceText().find("Return Value from CheckDefEncKeyStatus\r\n"), std::string::npos);
   EXPECT_FALSE(view_.locked);
@@ -358,12 +350,7 @@ TEST_F(LoginTest, AnEncryptionPasswordTheServiceNeverTakesEndsTheLogin) {
     view_.psd_answers = row.answers;
     EXPECT_FALSE(PressLogin());
     EXPECT_EQ(view_.psd_shows, row.shows);
-    if (row.box) {
-      ASSERT_EQ(ui_.boxes().size(), 1u);
-      EXPECT_EQ(ui_.boxes()[0].text, row.box);
-    } else {
-      EXPECT_TRUE(ui_.boxes().empty());
-    }
+    EXPECT_EQ(ui_.box_texts(), row.box ? Texts{row.box} : Texts{});
     EXPECT_FALSE(view_.locked);
     EXPECT_FALSE(Saved(L"alice"));
     EXPECT_EQ(ExchangeFolders(), 0u);
@@ -487,8 +474,7 @@ TEST_F(LoginTest, AnErrorInTheMiddleOfACallStillRemovesItsExchangeFolder) {
   platform::ScopedServices seams({.clock = &clock_, .ui = &ui, .module_folder = {}});
   EXPECT_FALSE(PressLogin());
   EXPECT_EQ(ExchangeFolders(), 0u);
-  ASSERT_EQ(ui.boxes().size(), 1u);
-  EXPECT_EQ(ui.boxes()[0].text, kCannotConnect);
+  EXPECT_EQ(ui.box_texts(), Texts{kCannotConnect});
   EXPECT_FALSE(view_.locked);
   EXPECT_NE(TraceText().find("[EXCEPTION] frmLogin :: Login_Click() : host gone"),
             std::string::npos);
@@ -505,8 +491,7 @@ TEST_F(LoginTest, AProfileThatCannotBeMadeCurrentFailsTheLogin) {
   EXPECT_FALSE(procedure_.logged_in());
   EXPECT_FALSE(view_.closed);
   EXPECT_FALSE(view_.locked);
-  ASSERT_EQ(ui_.boxes().size(), 1u);
-  EXPECT_EQ(ui_.boxes()[0].text, kCannotConnect);
+  EXPECT_EQ(ui_.box_texts(), Texts{kCannotConnect});
   EXPECT_FALSE(foundation::CurrentSettings().renew_random_permitted);
 }
 

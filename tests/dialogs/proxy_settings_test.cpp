@@ -11,6 +11,9 @@
 namespace tavrine::dialogs {
 namespace {
 
+constexpr const wchar_t* kTitle = L"TavrinE Online Backup";
+using Boxes = std::vector<testing::RecordedBox>;
+
 class ProxyTest : public ::testing::Test {
  protected:
   ProxyTest() : registry_(platform::OpenCurrentUserRegistry(install_.wpath() + L"/hkcu.ini")) {
@@ -33,9 +36,8 @@ TEST_F(ProxyTest, EnabledWithoutAddressWritesOnlyTheFlag) {
   view_.address.clear();
   EXPECT_FALSE(Presenter().OnApply());
   EXPECT_EQ(written_, (Written{{L"Proxyset", L"1"}}));
-  ASSERT_EQ(install_.ui().boxes().size(), 1u);
-  EXPECT_EQ(install_.ui().boxes()[0].text, L"Enter the proxy address.");
-  EXPECT_EQ(install_.ui().boxes()[0].style, platform::kMbIconStop);
+  EXPECT_EQ(install_.ui().boxes(),
+            (Boxes{{L"Enter the proxy address.", kTitle, platform::kMbIconStop}}));
   EXPECT_EQ(view_.focus, L"address");
 }
 
@@ -90,9 +92,9 @@ TEST_F(ProxyTest, SystemSettingsFillTheFieldsWhenTheProxyIsOn) {
   registry_->WriteDword(kInternetSettingsKey, L"ProxyEnable", 0);
   registry_->WriteString(kInternetSettingsKey, L"ProxyServer", L"other:99");
   Presenter().OnGetIeSettings();
-  ASSERT_EQ(install_.ui().boxes().size(), 1u);
-  EXPECT_EQ(install_.ui().boxes()[0].text, L"The local Internet proxy settings are currently disabled.");
-  EXPECT_EQ(install_.ui().boxes()[0].style, platform::kMbIconInformation);
+  EXPECT_EQ(install_.ui().boxes(),
+            (Boxes{{L"The local Internet proxy settings are currently disabled.", kTitle,
+                    platform::kMbIconInformation}}));
   EXPECT_EQ(view_.address, L"keep");
   EXPECT_FALSE(view_.enabled);
 

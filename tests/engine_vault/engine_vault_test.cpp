@@ -13,14 +13,11 @@
 #include "engine/proxy.h"
 #include "foundation/settings.h"
 #include "foundation/text_file.h"
-#include "contract/cls_api_interface.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
 #include "support/engine_harness.h"
-#include "support/fake_clock.h"
 #include "support/install_folder.h"
-#include "support/recording_ui.h"
 #include "support/temp_folder.h"
 
 namespace tavrine::testing {
@@ -366,23 +363,6 @@ TEST_F(Vault, EachUploadAddsAVersionButAFullQuotaOrACrashMidUploadLeavesThePrevi
   EXPECT_EQ(upload("version two").code, 402);
   EXPECT_EQ(Bars(versions()), 2);
   EXPECT_EQ(restored_bytes(), "version two");
-}
-
-// The library's own operations against the vault, end to end.
-TEST_F(Vault, LibraryLogsInSilentlyAndReadsTheQuota) {
-  FakeClock clock;
-  RecordingUi ui;
-  platform::ScopedServices seams({.clock = &clock, .ui = &ui, .module_folder = {}});
-  LogIn(L"ben", L"ben-pass");
-  profile::UpdateUserProfile(L"serverip", L"10.9.9.9");
-  contract::clsAPI_Interface api;
-  EXPECT_EQ(api.API_AutoReconnect(), 402);
-  EXPECT_EQ(profile::GetUserProfile(L"serverip"), L"127.0.0.1");
-  double max_size = 0, used = 0;
-  EXPECT_EQ(api.API_GetQuota(max_size, used), 0);
-  EXPECT_EQ(max_size, 12884901888.0);
-  EXPECT_EQ(used, 379.0);
-  EXPECT_TRUE(ui.boxes().empty());
 }
 
 TEST_F(Vault, RunsAreJournaledAScenarioTakesPrecedenceAndTheSampleIsNotRemade) {

@@ -1,5 +1,7 @@
 #include "support/recording_ui.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 
 namespace tavrine::testing {
@@ -8,6 +10,17 @@ int RecordingUi::ShowMessageBox(const std::wstring& text, const std::wstring& ti
                                 unsigned style) {
   boxes_.push_back({text, title, style});
   return answer_;
+}
+
+void PrintTo(const RecordedBox& box, std::ostream* out) {
+  *out << "{" << ::testing::PrintToString(box.text) << ", " << ::testing::PrintToString(box.title)
+       << ", style " << box.style << "}";
+}
+
+std::vector<std::wstring> RecordingUi::box_texts() const {
+  std::vector<std::wstring> texts;
+  for (const RecordedBox& box : boxes_) texts.push_back(box.text);
+  return texts;
 }
 
 bool RecordingUi::CloseWindowByTitle(const std::wstring& title) {

@@ -1,4 +1,5 @@
 #pragma once
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -10,7 +11,9 @@ struct RecordedBox {
   std::wstring text;
   std::wstring title;
   unsigned style = 0;
+  bool operator==(const RecordedBox&) const = default;
 };
+void PrintTo(const RecordedBox& box, std::ostream* out);
 
 // Records message boxes and window-close requests; answers boxes with `answer`.
 class RecordingUi : public platform::Ui {
@@ -24,6 +27,7 @@ class RecordingUi : public platform::Ui {
   void set_answer(int answer) { answer_ = answer; }
   void set_open_windows(std::vector<std::wstring> titles) { open_windows_ = std::move(titles); }
   const std::vector<RecordedBox>& boxes() const { return boxes_; }
+  std::vector<std::wstring> box_texts() const;
   const std::vector<std::wstring>& closed_windows() const { return closed_windows_; }
   const std::vector<std::wstring>& hidden_windows() const { return hidden_windows_; }
   int pumps() const { return pumps_; }

@@ -5,69 +5,16 @@
 #include <objbase.h>
 
 #include <atomic>
-#include <cstdint>
 #include <thread>
-#include <vector>
 
 #include "TavrinEUI.h"
 #include "com/com_ptr.h"
 #include "com_story.h"
 #include "console.h"
 #include "dialogs/win32/resource.h"
-#include "dialogs/win32/win32_handles.h"
-#include "png_writer.h"
+#include "window_png.h"
 
 namespace tavrine::comdemo {
-namespace {
-
-using dialogs::win32::MemoryDc;
-using dialogs::win32::SelectScope;
-using dialogs::win32::UniqueBitmap;
-using dialogs::win32::WindowDc;
-
-HWND WaitForWindow(const std::wstring& title, int timeout_ms) {
-  for (int waited = 0; waited < timeout_ms; waited += 50) {
-    if (HWND window = FindWindowW(L"#32770", title.c_str()); window && IsWindowVisible(window)) return window;
-    Sleep(50);
-  }
-  return nullptr;
-}
-
-// The window's pixels as the screen shows them, written as PNG.
-bool SaveWindow(HWND window, const std::wstring& png) {
-  RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-  Sleep(300);
-  RECT rect{};
-  GetWindowRect(window, &rect);
-  const int width = rect.right - rect.left, height = rect.bottom - rect.top;
-  if (width <= 0 || height <= 0) return false;
-  WindowDc screen(nullptr);
-  MemoryDc memory(screen.get());
-  BITMAPINFO info{};
-  info.bmiHeader = {sizeof(BITMAPINFOHEADER), width, -height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
-  void* bits = nullptr;
-  UniqueBitmap bitmap(CreateDIBSection(screen.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-  if (!bitmap) return false;
-  {
-    SelectScope select(memory.get(), bitmap.get());
-    BitBlt(memory.get(), 0, 0, width, height, screen.get(), rect.left, rect.top, SRCCOPY);
-  }
-  GdiFlush();
-  const int stride = (width * 3 + 3) & ~3;
-  std::vector<std::uint8_t> rgb(static_cast<std::size_t>(width) * height * 3);
-  for (int y = 0; y < height; ++y) {
-    const auto* row = static_cast<const std::uint8_t*>(bits) + static_cast<std::size_t>(y) * stride;
-    for (int x = 0; x < width; ++x) {
-      std::uint8_t* out = &rgb[(static_cast<std::size_t>(y) * width + x) * 3];
-      out[0] = row[x * 3 + 2];
-      out[1] = row[x * 3 + 1];
-      out[2] = row[x * 3 + 0];
-    }
-  }
-  return testing::WritePng(png, width, height, rgb);
-}
-
-}  // namespace
 
 bool ScreenshotLogin(const std::wstring& png, const std::wstring& title) {
   CLSID clsid{};
@@ -81,14 +28,14 @@ bool ScreenshotLogin(const std::wstring& png, const std::wstring& title) {
   std::wstring label;
   // The dialog runs modally on this thread; the driver watches from its own.
   std::thread driver([&] {
-    HWND window = WaitForWindow(title, 20000);
+    HWND window = window_png::WaitForDialog(title, 20000);
     if (!window) return;
     seen = true;
     wchar_t text[256] = {};
     GetWindowTextW(GetDlgItem(window, IDC_lblUserName), text, 256);
     label = text;
     SendMessageW(GetDlgItem(window, IDC_txtUserName), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"anna"));
-    saved = SaveWindow(window, png);
+    saved = window_png::SaveWindowPng(window, png);
     PostMessageW(GetDlgItem(window, IDC_Cancel), BM_CLICK, 0, 0);
   });
   LONG owner = 0;

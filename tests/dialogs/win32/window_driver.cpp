@@ -6,7 +6,7 @@
 #include <map>
 
 #include "dialogs/win32/win32_handles.h"
-#include "png_writer.h"
+#include "window_png.h"
 
 namespace tavrine::dialogs::win32 {
 
@@ -25,21 +25,21 @@ std::wstring WindowText(HWND window) {
   return text;
 }
 
-// Polls for a top-level window of this process with exactly this title.
 HWND WaitForWindow(const std::wstring& title, int timeout_ms) {
-  for (int waited = 0; waited < timeout_ms; waited += 50) {
-    if (HWND window = FindWindowW(L"#32770", title.c_str()); window && IsWindowVisible(window)) return window;
-    Sleep(50);
-  }
-  return nullptr;
+  return window_png::WaitForDialog(title, timeout_ms);
+}
+
+// A message box's text is its control 0xFFFF.
+static std::wstring BoxText(HWND box) {
+  HWND label = GetDlgItem(box, 0xFFFF);
+  return label ? WindowText(label) : std::wstring();
 }
 
 // Reads the open message box's text and presses OK.
 std::wstring DismissBox(const std::wstring& title) {
   HWND box = WaitForWindow(title);
   if (!box) return L"<no box>";
-  std::wstring text;
-  if (HWND label = GetDlgItem(box, 0xFFFF)) text = WindowText(label);
+  const std::wstring text = BoxText(box);
   PostMessageW(box, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), 0);
   for (int i = 0; i < 100 && IsWindow(box); ++i) Sleep(20);
   return text;
@@ -110,8 +110,7 @@ bool WaitForFocus(HWND dialog, int id) {
 std::wstring AnswerBoxWithEnter(const std::wstring& title) {
   HWND box = WaitForWindow(title);
   if (!box) return L"<no box>";
-  std::wstring text;
-  if (HWND label = GetDlgItem(box, 0xFFFF)) text = WindowText(label);
+  const std::wstring text = BoxText(box);
   if (!testing::WaitUntil([&] { return IsChild(box, FocusOf(box)) != FALSE; }, 5000)) return L"<no focus>";
   PostKey(box, VK_RETURN);
   if (!testing::WaitUntil([&] { return !IsWindow(box); }, 5000)) return L"<still open>";
@@ -150,34 +149,8 @@ std::wstring ScreenshotFolder() {
   return path;
 }
 
-// The window as the screen shows it, written as PNG; false when it could not be read.
 bool Screenshot(HWND window, const std::wstring& name) {
-  RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-  Sleep(300);
-  RECT rect{};
-  GetWindowRect(window, &rect);
-  const int width = rect.right - rect.left, height = rect.bottom - rect.top;
-  if (width <= 0 || height <= 0) return false;
-  WindowDc screen(nullptr);
-  MemoryDc memory(screen.get());
-  BITMAPINFO info{};
-  info.bmiHeader = {sizeof(BITMAPINFOHEADER), width, -height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
-  void* bits = nullptr;
-  UniqueBitmap bitmap(CreateDIBSection(screen.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-  if (!bitmap) return false;
-  {
-    SelectScope select(memory.get(), bitmap.get());
-    BitBlt(memory.get(), 0, 0, width, height, screen.get(), rect.left, rect.top, SRCCOPY);
-  }
-  GdiFlush();
-  const int stride = (width * 3 + 3) & ~3;
-  std::vector<std::uint8_t> rgb;
-  rgb.reserve(static_cast<std::size_t>(width) * height * 3);
-  for (int y = 0; y < height; ++y) {
-    const auto* row = static_cast<const std::uint8_t*>(bits) + static_cast<std::size_t>(y) * stride;
-    for (int x = 0; x < width; ++x) rgb.insert(rgb.end(), {row[x * 3 + 2], row[x * 3 + 1], row[x * 3]});
-  }
-  return testing::WritePng(ScreenshotFolder() + L"\\" + name + L".png", width, height, rgb);
+  return window_png::SaveWindowPng(window, ScreenshotFolder() + L"\\" + name + L".png");
 }
 
 // EnumChildWindows callback: adds the control's text to *found when it is cut off.

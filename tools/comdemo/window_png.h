@@ -1,12 +1,19 @@
+// Screenshots of dialogs, for the demo and the window tests: a dialog found by
+// its title, and its pixels as the screen shows them written as PNG.
 #pragma once
+#include <windows.h>
+
+#include <algorithm>
 #include <cstdint>
 #include <fstream>
 #include <string>
 #include <vector>
 
-namespace tavrine::testing {
+#include "dialogs/win32/win32_handles.h"
 
-// A minimal PNG encoder (8-bit RGB, stored deflate blocks): enough for test
+namespace tavrine::window_png {
+
+// A minimal PNG encoder (8-bit RGB, stored deflate blocks): enough for
 // screenshots without an image library.
 inline bool WritePng(const std::wstring& file, int width, int height,
                      const std::vector<std::uint8_t>& rgb) {
@@ -67,4 +74,45 @@ inline bool WritePng(const std::wstring& file, int width, int height,
   return static_cast<bool>(stream);
 }
 
-}  // namespace tavrine::testing
+// Polls for a visible top-level dialog of this process with exactly this title.
+inline HWND WaitForDialog(const std::wstring& title, int timeout_ms) {
+  for (int waited = 0; waited < timeout_ms; waited += 50) {
+    if (HWND window = FindWindowW(L"#32770", title.c_str()); window && IsWindowVisible(window)) return window;
+    Sleep(50);
+  }
+  return nullptr;
+}
+
+// The window as the screen shows it, written as PNG; false when it could not be read.
+inline bool SaveWindowPng(HWND window, const std::wstring& file) {
+  using dialogs::win32::MemoryDc, dialogs::win32::SelectScope, dialogs::win32::UniqueBitmap,
+      dialogs::win32::WindowDc;
+  RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+  Sleep(300);
+  RECT rect{};
+  GetWindowRect(window, &rect);
+  const int width = rect.right - rect.left, height = rect.bottom - rect.top;
+  if (width <= 0 || height <= 0) return false;
+  WindowDc screen(nullptr);
+  MemoryDc memory(screen.get());
+  BITMAPINFO info{};
+  info.bmiHeader = {sizeof(BITMAPINFOHEADER), width, -height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
+  void* bits = nullptr;
+  UniqueBitmap bitmap(CreateDIBSection(screen.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+  if (!bitmap) return false;
+  {
+    SelectScope select(memory.get(), bitmap.get());
+    BitBlt(memory.get(), 0, 0, width, height, screen.get(), rect.left, rect.top, SRCCOPY);
+  }
+  GdiFlush();
+  const int stride = (width * 3 + 3) & ~3;
+  std::vector<std::uint8_t> rgb;
+  rgb.reserve(static_cast<std::size_t>(width) * height * 3);
+  for (int y = 0; y < height; ++y) {
+    const auto* row = static_cast<const std::uint8_t*>(bits) + static_cast<std::size_t>(y) * stride;
+    for (int x = 0; x < width; ++x) rgb.insert(rgb.end(), {row[x * 3 + 2], row[x * 3 + 1], row[x * 3]});
+  }
+  return WritePng(file, width, height, rgb);
+}
+
+}  // namespace tavrine::window_png

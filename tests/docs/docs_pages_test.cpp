@@ -1,44 +1,36 @@
-// The result-code table of the guide is rendered here from the message table
-// and compared with the page, so that the page cannot drift from the code.
-// On a mismatch the rendering is written beside the test for pasting.
+// The integrator's guide against the code, so that the pages cannot drift
+// from it: the result-code table is rendered from the message table and
+// compared with the page (on a mismatch the rendering is written beside the
+// test for pasting); the class reference lists every method of the interface
+// definition with its vtable slot and DISPID.
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <string>
 
 #include "foundation/message_table.h"
-#include "foundation/text_util.h"
+#include "platform/path.h"
 
 namespace tavrine::foundation {
 namespace {
 
+std::string ReadFile(const char* path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream bytes;
+  bytes << in.rdbuf();
+  return bytes.str();
+}
+
 constexpr const char* kBegin = "<!-- table generated from the message table: begin -->\n";
 constexpr const char* kEnd = "<!-- table generated from the message table: end -->\n";
-
-std::string Utf8Of(const std::wstring& text) {
-  std::string out;
-  for (wchar_t c : text) {
-    const auto code = static_cast<std::uint32_t>(c);
-    if (code < 0x80) {
-      out += static_cast<char>(code);
-    } else if (code < 0x800) {
-      out += static_cast<char>(0xC0 | (code >> 6));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    } else {
-      out += static_cast<char>(0xE0 | (code >> 12));
-      out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    }
-  }
-  return out;
-}
 
 // The text inside a code span, so that double blanks and a leading or
 // trailing blank show; the line break of -403 is written as \r\n.
 std::string TextCell(const MessageRow& row) {
   if (!row.english) return "`\"There are no contents to display in your \"` + caption + `\" account for this session.\"`";
-  std::string text = Utf8Of(row.english);
+  std::string text = platform::WideToUtf8(row.english);
   std::string shown;
   for (char c : text) {
     if (c == '\r') shown += "\\r";
@@ -76,10 +68,7 @@ std::string RenderTable() {
 }
 
 std::string PageTable() {
-  std::ifstream page(TAVRINE_RESULT_CODES_PAGE, std::ios::binary);
-  std::stringstream bytes;
-  bytes << page.rdbuf();
-  const std::string text = bytes.str();
+  const std::string text = ReadFile(TAVRINE_RESULT_CODES_PAGE);
   const std::size_t begin = text.find(kBegin);
   const std::size_t end = text.find(kEnd);
   if (begin == std::string::npos || end == std::string::npos || end < begin) return "";
@@ -97,12 +86,29 @@ TEST(ResultCodesPage, TableIsTheMessageTableRowForRow) {
   }
 }
 
-TEST(ResultCodesPage, EveryRowOfTheMessageTableIsOnThePage) {
-  const std::string on_page = PageTable();
-  for (std::size_t i = 0; i < MessageRowCount(); ++i) {
-    const std::string cell = "| " + std::to_string(MessageRowAt(i).code) + " |";
-    EXPECT_NE(on_page.find(cell), std::string::npos) << "code " << MessageRowAt(i).code << " is missing";
+TEST(ClassReferencePage, EveryMethodIsListedWithItsSlotAndDispid) {
+  const std::string idl = ReadFile(TAVRINE_IDL);
+  const std::string page = ReadFile(TAVRINE_CLASS_REFERENCE_PAGE);
+  ASSERT_FALSE(idl.empty()) << TAVRINE_IDL;
+  ASSERT_FALSE(page.empty()) << TAVRINE_CLASS_REFERENCE_PAGE;
+  const std::regex interface_block(R"(interface (_\w+) : IDispatch \{([^}]*)\})");
+  const std::regex method(R"(\[id\((0x[0-9A-Fa-f]+)\)\]\s*HRESULT\s+(\w+)\()");
+  int interfaces = 0, methods = 0;
+  for (auto block = std::sregex_iterator(idl.begin(), idl.end(), interface_block); block != std::sregex_iterator();
+       ++block) {
+    ++interfaces;
+    const std::string name = (*block)[1];
+    const std::string body = (*block)[2];
+    EXPECT_NE(page.find("## `" + name.substr(1) + "`"), std::string::npos) << "no section for " << name;
+    int slot = 7;  // after IUnknown and IDispatch
+    for (auto m = std::sregex_iterator(body.begin(), body.end(), method); m != std::sregex_iterator(); ++m, ++slot) {
+      ++methods;
+      const std::string row = "| " + std::to_string(slot) + " | " + (*m)[1].str() + " | `" + (*m)[2].str() + "` |";
+      EXPECT_NE(page.find(row), std::string::npos) << name << ": no row starting " << row;
+    }
   }
+  EXPECT_EQ(interfaces, 6);
+  EXPECT_EQ(methods, 66);
 }
 
 }  // namespace
