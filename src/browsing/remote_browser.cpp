@@ -106,11 +106,11 @@ bool RemoteBrowser::LoadFromEngine() {
     return false;
   }
 
-  engine::EngineCallSpec spec;
-  spec.program = engine::FixedEngineProgram();
-  spec.command = engine::kCodeBrowseInit;
-  spec.folder = folder;
-  auto process = engine::StartEngineCall(spec, [&](const std::wstring& into) {
+  engine::EngineCallSetup setup;
+  setup.program = engine::FixedEngineProgram();
+  setup.command = engine::kCodeBrowseInit;
+  setup.folder = folder;
+  auto process = engine::StartEngineCall(setup, [&](const std::wstring& into) {
     connection.WriteMachineRequest(
         into, engine::ProxyArguments(session.proxy(), engine::RandomNumberForRequest()));
   });
@@ -217,11 +217,11 @@ std::int32_t RemoteBrowser::QueryMachines() {
   operations::PresetConnectionFailureText();
 
   Trace(L"GetMultiplePCInfo :: Cmd line   119 ");
-  engine::EngineCallSpec spec;
-  spec.program = engine::ConfiguredEngineProgram();
-  spec.command = engine::kCodeMachineList;
-  spec.folder = folder;
-  const std::int32_t result = engine::CallEngine(spec, [&](const std::wstring& into) {
+  engine::EngineCallSetup setup;
+  setup.program = engine::ConfiguredEngineProgram();
+  setup.command = engine::kCodeMachineList;
+  setup.folder = folder;
+  const std::int32_t result = engine::CallEngine(setup, [&](const std::wstring& into) {
     connection.WriteRequest(into,
                             engine::ProxyArguments(session.proxy(), engine::RandomNumberForRequest()));
   }).raw();
