@@ -1,6 +1,5 @@
-// UI_Login_Command and UI_Session_Command, the two commands that open windows.
-// On Windows this file is built beside the real windows (see
-// src/dialogs/CMakeLists.txt), so that the rest of the core links without them.
+// UI_Login_Command and UI_Session_Command, the two commands that open windows
+// through the dialog host (the real windows on Windows, none elsewhere).
 #include "contract/failure_boundary.h"
 #include "contract/ui_commands.h"
 #include "dialogs/dialog_host.h"

@@ -31,6 +31,8 @@ using com::ComPtr;
 using com::MakeBstr;
 using com::UniqueBstr;
 using com::UniqueVariant;
+// The engine process handles the DLL hands out.
+using platform::win32::UniqueHandle;
 
 // The sample vault's account with a private key and two computers.
 constexpr const wchar_t* kUser = L"anna";
@@ -86,20 +88,6 @@ struct FindRecord {
   std::wstring name() const {
     return data.cFilename ? std::wstring(data.cFilename, SysStringLen(data.cFilename)) : std::wstring();
   }
-};
-
-class UniqueHandle {
- public:
-  explicit UniqueHandle(HANDLE handle) : handle_(handle) {}
-  ~UniqueHandle() {
-    if (handle_ && handle_ != INVALID_HANDLE_VALUE) CloseHandle(handle_);
-  }
-  UniqueHandle(const UniqueHandle&) = delete;
-  UniqueHandle& operator=(const UniqueHandle&) = delete;
-  HANDLE get() const { return handle_; }
-
- private:
-  HANDLE handle_;
 };
 
 std::wstring TimeText(const TavrinE_FILETIME& time) {

@@ -86,8 +86,8 @@ void HoverButtons::Add(HWND button, const std::wstring& def_name, const std::wst
   entry->sel = LoadImageFile(sel_name);
   if (!entry->def || !entry->sel) {
     // A missing image leaves the plain button with its caption.
-    entry->def.Reset();
-    entry->sel.Reset();
+    entry->def.reset();
+    entry->sel.reset();
   } else {
     SetWindowLongPtrW(button, GWL_STYLE, GetWindowLongPtrW(button, GWL_STYLE) | BS_BITMAP);
     SendMessageW(button, BM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(entry->def.get()));
@@ -310,7 +310,7 @@ void DialogBase::ApplyRoundedRegion() {
                                          bounds.bottom - bounds.top + 1, kCornerEllipse,
                                          kCornerEllipse));
   // The window owns the region once SetWindowRgn succeeds.
-  if (region && SetWindowRgn(hwnd_, region.get(), TRUE)) region.Release();
+  if (region && SetWindowRgn(hwnd_, region.get(), TRUE)) region.release();
 }
 
 std::wstring DialogBase::Text(int id) const {

@@ -10,13 +10,13 @@ namespace tavrine::dialogs::win32 {
 Picture Picture::Load(const std::wstring& file) {
   Picture result;
   if (!foundation::FileExists(file)) return result;
-  com::ComPtr<IStream> stream;
+  platform::win32::ComPtr<IStream> stream;
   if (FAILED(SHCreateStreamOnFileEx(file.c_str(), STGM_READ | STGM_SHARE_DENY_WRITE,
                                     FILE_ATTRIBUTE_NORMAL, FALSE, nullptr, stream.put()))) {
     return result;
   }
   // The GIF reader may need COM on this thread; a host thread has it already.
-  com::ComApartment apartment;
+  platform::win32::ComApartment apartment;
   // Size 0: the whole stream.
   if (FAILED(OleLoadPicture(stream.get(), 0, FALSE, IID_IPicture, result.picture_.put_void()))) {
     result.picture_.reset();

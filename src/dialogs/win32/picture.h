@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "com/com_ptr.h"
+#include "platform/win32/com_ptr.h"
 
 namespace tavrine::dialogs::win32 {
 
@@ -22,7 +22,7 @@ class Picture {
   void Draw(HDC dc, const RECT& target) const;
 
  private:
-  com::ComPtr<IPicture> picture_;
+  platform::win32::ComPtr<IPicture> picture_;
 };
 
 // <application folder>\images\<file name>.

@@ -11,7 +11,7 @@ bool clsToolTip::Create(HWND parent) {
   InitCommonControlsEx(&init);
   parent_ = parent;
   DWORD style = WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP | (balloon_ ? TTS_BALLOON : 0);
-  window_.Reset(CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, style, CW_USEDEFAULT,
+  window_.reset(CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, style, CW_USEDEFAULT,
                                 CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, parent, nullptr,
                                 GetModuleHandleW(nullptr), nullptr));
   if (!window_.get()) return false;

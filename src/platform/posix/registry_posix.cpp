@@ -13,6 +13,7 @@
 
 #include "platform/path.h"
 #include "platform/registry.h"
+#include "platform/unique_owner.h"
 
 namespace tavrine::platform {
 
@@ -167,25 +168,13 @@ std::string Serialize(const Tree& tree) {
   return WideToUtf8(text);
 }
 
-class UniqueFd {
- public:
-  explicit UniqueFd(int fd) : fd_(fd) {}
-  ~UniqueFd() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  UniqueFd(const UniqueFd&) = delete;
-  UniqueFd& operator=(const UniqueFd&) = delete;
-  int get() const { return fd_; }
-  // Closes now and reports whether the close succeeded.
-  bool Close() {
-    int fd = fd_;
-    fd_ = -1;
-    return fd < 0 || ::close(fd) == 0;
-  }
-
- private:
-  int fd_;
+// A file descriptor; -1 is "none".
+struct FileDescriptor {
+  using Value = int;
+  static constexpr int Empty() noexcept { return -1; }
+  static void Close(int fd) noexcept { ::close(fd); }
 };
+using UniqueFd = UniqueOwner<FileDescriptor>;
 
 bool WriteAll(int fd, std::string_view bytes) {
   while (!bytes.empty()) {
@@ -363,7 +352,7 @@ class FileRegistry final : public Registry {
     UniqueFd fd(::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (fd.get() < 0) return false;
     bool ok = WriteAll(fd.get(), bytes) && ::fsync(fd.get()) == 0;
-    ok = fd.Close() && ok;
+    ok = ::close(fd.release()) == 0 && ok;  // a failed close may lose written data
     ok = ok && ::rename(temp.c_str(), file_.c_str()) == 0;
     if (!ok) ::unlink(temp.c_str());
     return ok;

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "platform/win32/unique_handle.h"
+#include "platform/win32/unique_owners.h"
 
 namespace tavrine::platform {
 
@@ -12,16 +12,16 @@ bool FileMapping::Open(const std::wstring& path) {
   Reset();
   // Others may read, write or delete the file as with a plain read; a mapped
   // file cannot be cut short while the view exists.
-  win32::UniqueHandle<win32::InvalidHandle> file(
+  win32::UniqueFileHandle file(
       CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                   OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-  if (!file.valid()) return false;
+  if (!file) return false;
   LARGE_INTEGER size{};
   if (!GetFileSizeEx(file.get(), &size) || size.QuadPart <= 0 ||
       static_cast<std::uint64_t>(size.QuadPart) > SIZE_MAX)
     return false;
-  win32::UniqueHandle<win32::NullHandle> mapping(CreateFileMappingW(file.get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
-  if (!mapping.valid()) return false;
+  win32::UniqueHandle mapping(CreateFileMappingW(file.get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
+  if (!mapping) return false;
   const void* view = MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, 0);  // keeps the mapping open
   if (view == nullptr) return false;
   view_ = view;

@@ -5,14 +5,14 @@
 #include <tlhelp32.h>
 
 #include "platform/code_page.h"
-#include "platform/win32/unique_handle.h"
+#include "platform/win32/unique_owners.h"
 
 namespace tavrine::platform {
 
 namespace {
 
-using win32::UniqueProcessHandle;
-using win32::UniqueSnapshotHandle;
+using win32::UniqueFileHandle;
+using win32::UniqueHandle;
 
 // TerminateProcess only starts the end; give the program this long to let go of its files.
 constexpr DWORD kTerminateSettleMs = 5000;
@@ -22,7 +22,7 @@ class Win32Process : public RunningProcess {
   explicit Win32Process(HANDLE handle) : handle_(handle) {}
 
   WaitOutcome Wait(std::uint32_t timeout_ms) override {
-    if (!handle_.valid()) return WaitOutcome::kFailed;
+    if (!handle_) return WaitOutcome::kFailed;
     switch (WaitForSingleObject(handle_.get(), timeout_ms)) {
       case WAIT_OBJECT_0:
         return WaitOutcome::kExited;
@@ -34,17 +34,17 @@ class Win32Process : public RunningProcess {
   }
 
   bool Terminate(std::uint32_t exit_code) override {
-    if (!handle_.valid() || !TerminateProcess(handle_.get(), exit_code)) return false;
+    if (!handle_ || !TerminateProcess(handle_.get(), exit_code)) return false;
     WaitForSingleObject(handle_.get(), kTerminateSettleMs);
     return true;
   }
 
   std::intptr_t Release() override {
-    return reinterpret_cast<std::intptr_t>(handle_.Release());
+    return reinterpret_cast<std::intptr_t>(handle_.release());
   }
 
  private:
-  UniqueProcessHandle handle_;
+  UniqueHandle handle_;
 };
 
 class Win32Launcher : public ProcessLauncher {
@@ -88,8 +88,8 @@ ProcessLauncher& SystemProcessLauncher() {
 
 bool IsProcessRunning(const std::wstring& exe_name) {
   if (exe_name.empty()) return false;
-  UniqueSnapshotHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-  if (!snapshot.valid()) return false;
+  UniqueFileHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+  if (!snapshot) return false;
   PROCESSENTRY32W entry{};
   entry.dwSize = sizeof entry;
   for (BOOL more = Process32FirstW(snapshot.get(), &entry); more;

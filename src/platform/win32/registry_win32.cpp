@@ -1,32 +1,13 @@
 #include <windows.h>
 
 #include "platform/registry.h"
+#include "platform/win32/unique_owners.h"
 
 namespace tavrine::platform {
 
 namespace {
 
-// Owns an open registry key; closes it once.
-class UniqueHkey {
- public:
-  UniqueHkey() = default;
-  ~UniqueHkey() { Reset(); }
-  UniqueHkey(const UniqueHkey&) = delete;
-  UniqueHkey& operator=(const UniqueHkey&) = delete;
-  HKEY get() const { return key_; }
-  HKEY* put() {
-    Reset();
-    return &key_;
-  }
-  explicit operator bool() const { return key_ != nullptr; }
-
- private:
-  void Reset() {
-    if (key_) RegCloseKey(key_);
-    key_ = nullptr;
-  }
-  HKEY key_ = nullptr;
-};
+using win32::UniqueHkey;
 
 // Leading and trailing backslashes dropped, as the POSIX store does.
 std::wstring Normalize(const std::wstring& path) {
