@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "../src/operations/c_backup.cpp"
+#include "../src/operations/manual_backup.cpp"
 #include "fuzz_support.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -1,11 +1,11 @@
 // MPC.ini in an exchange or user folder: HostCount decides the several-computer
 // flag and the file is rewritten for this computer; its Hosts list is read by
-// the machine-list splitter, which is file-local to the enumeration (its
+// the machine-list splitter, which is file-local to the remote browser (its
 // source is compiled into this target).
 #include <cstdint>
 #include <cstdlib>
 
-#include "../src/browsing/tavrine_enum.cpp"
+#include "../src/browsing/remote_browser.cpp"
 #include "engine/mpc_ini.h"
 #include "fuzz_support.h"
 

@@ -105,6 +105,9 @@ class PosixLauncher : public ProcessLauncher {
     // The parameter text is one argument, exactly as given: the engine parses it itself.
     std::string tail = WideToUtf8(parameters);
     std::string folder = WideToUtf8(working_folder);
+    // posix_spawn may report a failed exec only as the child's exit (it does
+    // under valgrind), so a program that cannot run is refused here first.
+    if (access(file.c_str(), X_OK) != 0) return nullptr;
     SpawnActions actions;
     if (!actions.ok()) return nullptr;
     if (!folder.empty() && posix_spawn_file_actions_addchdir_np(actions.get(), folder.c_str()) != 0) {
