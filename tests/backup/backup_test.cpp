@@ -9,6 +9,7 @@
 #include "platform/process.h"
 #include "platform/services.h"
 #include "support/fake_clock.h"
+#include "support/install_folder.h"
 
 namespace tavrine::contract {
 namespace {
@@ -45,12 +46,21 @@ TEST_F(CompareStep, EachInputLineBecomesTwoRequestLines) {
   }
 }
 
+// A compare that fails gives -1 with a trace line; the next one is read as usual.
 TEST_F(CompareStep, ResultComesFromTheFirstLineOfDllOutput1) {
   struct Case {
     const char* scenario;
     std::int32_t result;
-  } cases[] = {{"result 1\n", 1}, {"result 0\n", 0}, {"result -3\n", -3},
-               {"exit 0\n", -1}};  // nothing written; crashes and garbage: the hardening faults
+    const char* trace;  // nullptr: none asserted
+  } cases[] = {
+      {"crash\n", -1, "BackupInit :: the compare program left no result"},
+      {"result 0\n", 0, nullptr},
+      {"result \x01\xff garbage\n", -1, "BackupInit :: compare result is not a number: "},
+      {"result -3\n", -3, nullptr},
+      {"hang\n", -1, "Engine run exceeded 2 s and was terminated"},
+      {"exit 0\n", -1, "BackupInit :: the compare program left no result"},
+      {"result 1\n", 1, nullptr}};
+  install_.WriteFile(L"Configuration.ini", testing::StandardConfiguration("EngineTimeoutSeconds=2\r\n"));
   install_.SetScenario(EmptyListing());
   testing::WriteFileBytes(Folder() / "InputList.txt", "C:\\x.txt\r\n");
   for (const auto& c : cases) {
@@ -58,7 +68,9 @@ TEST_F(CompareStep, ResultComesFromTheFirstLineOfDllOutput1) {
     testing::WriteCompareScenario(install_.path(), c.scenario);
     testing::WriteFileBytes(Folder() / "DLLOutput1.txt", "1\r\n");  // stale: must be cleared
     SetScheduleData("4242\r\nnightly\r\n");
+    const std::size_t trace_before = TraceText().size();
     EXPECT_EQ(CBackup().W_BackupInit(0, folder_), c.result);
+    if (c.trace) { EXPECT_NE(TraceText().find(c.trace, trace_before), std::string::npos) << c.trace; }
     if (c.result != 1) ExpectScheduleResumed();
   }
 }

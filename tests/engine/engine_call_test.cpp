@@ -181,5 +181,30 @@ TEST_F(EngineCallTest, WhatIsReadDependsOnHowTheRunEnded) {
   }
 }
 
+// The result file comes after the engine ended (a slow disk): the poll waits for it.
+class LateResultClock : public testing::FakeClock {
+ public:
+  explicit LateResultClock(fs::path file) : file_(std::move(file)) {}
+  void Sleep(std::uint32_t ms) override {
+    FakeClock::Sleep(ms);
+    if (pauses().size() == 5) testing::WriteFileBytes(file_, "402\r\n");
+  }
+
+ private:
+  fs::path file_;
+};
+
+TEST_F(EngineCallTest, AResultFileThatComesLateIsRead) {
+  install_.SetScenario(EngineScenario().On(115).Exit(0));
+  LateResultClock clock(platform::ToFsPath(folder_) / "DLLOutput.txt");
+  platform::ScopedServices late({.clock = &clock, .module_folder = {}});
+  EngineResult result = CallEngine(
+      {.program = FixedEngineProgram(), .command = 115, .folder = folder_, .poll_result = true},
+      nullptr);
+  EXPECT_TRUE(result.read);
+  EXPECT_EQ(result.raw(), 402);
+  EXPECT_EQ(clock.CountPauses(100), 5u);
+}
+
 }  // namespace
 }  // namespace tavrine::engine

@@ -8,12 +8,10 @@
 #include <filesystem>
 #include <functional>
 
-#include "backup/compare_harness.h"
 #include "contract/tavrine_enum.h"
-#include "hardening_fixture.h"
-#include "contract/c_backup.h"
 #include "contract/cls_api_interface.h"
 #include "platform/path.h"
+#include "session_fixture.h"
 
 namespace tavrine::testing {
 namespace {
@@ -39,8 +37,15 @@ struct Operation {
   const char* trace;
 };
 
-class EngineFaults : public HardeningSession {
+class EngineFaults : public SessionTest {
  protected:
+  // Trace log bytes written since the last call.
+  std::string NewTrace() {
+    std::string all = TraceText();
+    std::string fresh = all.size() > trace_seen_ ? all.substr(trace_seen_) : std::string();
+    trace_seen_ = all.size();
+    return fresh;
+  }
   fs::path UserListing() const { return platform::ToFsPath(UserFolder()) / "Backupfile.txt"; }
 
   std::vector<Operation> Operations() {
@@ -72,6 +77,8 @@ class EngineFaults : public HardeningSession {
          1, 0, kNoCode},
     };
   }
+
+  std::size_t trace_seen_ = 0;
 };
 
 // The operation's engine code crashing before it writes anything, or its good answer.
@@ -97,29 +104,6 @@ TEST_F(EngineFaults, EachOperationWithoutAResult) {
     install_.Restart(ScenarioFor(op, true));
     WriteFileBytes(UserListing(), std::string(kListing, sizeof kListing - 1));
     EXPECT_EQ(op.call(), op.good_result) << "the next good call";
-  }
-}
-
-// The compare program of a backup: same faults, its own scenario file.
-TEST_F(EngineFaults, BackupCompareSurvivesEachFault) {
-  InstallCompareProgram(install_.path());
-  EngineScenario listing;
-  listing.On(115).Output(0).WithFile("Backupfile.txt", {kListing, sizeof kListing - 1});
-  install_.Restart(listing);
-  std::wstring folder = CallerFolder(L"backup");
-  // Each gives no result (-1).
-  for (const char* scenario : {"crash\n", "result \x01\xff garbage\n", "hang\n", "exit 0\n"}) {
-    SCOPED_TRACE(scenario);
-    WriteFileBytes(platform::ToFsPath(folder) / "InputList.txt", "C:\\x.txt\r\n");
-    WriteCompareScenario(install_.path(), scenario);
-    NewTrace();
-    EXPECT_EQ(contract::CBackup().W_BackupInit(0, folder), -1);
-    EXPECT_FALSE(NewTrace().empty());
-    contract::CBackup().W_BackupExitInstance();
-    WriteCompareScenario(install_.path(), "result 1\n");
-    WriteFileBytes(platform::ToFsPath(folder) / "InputList.txt", "C:\\x.txt\r\n");
-    EXPECT_EQ(contract::CBackup().W_BackupInit(0, folder), 1) << "the next good call";
-    contract::CBackup().W_BackupExitInstance();
   }
 }
 
