@@ -241,16 +241,6 @@ TEST_F(LoginTest, MissingInputOrANameThatCannotBeAnAccountStopsBeforeAnyEngineRu
   EXPECT_EQ(procedure_.result_code(), kLoginCancelledCode);
 }
 
-TEST_F(LoginTest, NetworkFailuresAreRetriedThreeTimesWithFiveSecondPauses) {
-  EngineScenario s = Happy({116});
-  s.On(116).Info(-416).Then().Info(-12009).Then().Output(402);
-  install_.SetScenario(s);
-  EXPECT_TRUE(PressLogin());
-  EXPECT_EQ(Codes(), (std::vector<int>{110, 116, 116, 116, 111}));
-  EXPECT_EQ(clock_.pauses(), (std::vector<std::uint32_t>{5000, 5000}));
-  EXPECT_GE(ui_.pumps(), 4);
-}
-
 TEST_F(LoginTest, EmailWithOneAccountLogsThatAccountInStraightAway) {
   EngineScenario s = Happy({117});
   s.On(117).Output(1000).WithFile("DLLOutput1.txt", "not this one\r\n");

@@ -111,7 +111,8 @@ class EngineCallTest : public ::testing::Test {
   std::wstring folder_;
 };
 
-// When nothing (or nothing new) is read, the call keeps what the run before it had.
+// When nothing (or nothing new) is read, the call keeps what the run before it
+// had: every way an engine can fail a round trip, for every operation.
 TEST_F(EngineCallTest, WhatIsReadDependsOnHowTheRunEnded) {
   struct Case {
     const char* name;
@@ -124,8 +125,17 @@ TEST_F(EngineCallTest, WhatIsReadDependsOnHowTheRunEnded) {
     RunEnd end;
     bool read;
     std::size_t poll_pauses;  // of 100 ms
+    int timeout_s = 30;
   };
   const Case cases[] = {
+      {"exit without an answer", EngineScenario().On(115).Exit(0), L"TavrinEClient.exe",
+       WaitKind::kPlain, false, true, false, RunEnd::kExited, true, 0},
+      {"garbage output", EngineScenario().On(115).WithFile("DLLOutput.txt", {"\x01\xFF\0garbage\r\n", 11}),
+       L"TavrinEClient.exe", WaitKind::kPlain, false, true, false, RunEnd::kExited, true, 0},
+      {"hang past the time-out, read anyway", EngineScenario().On(115).Hang(), L"TavrinEClient.exe",
+       WaitKind::kPausing, false, true, false, RunEnd::kTimedOut, true, 0, 1},
+      {"hang past the time-out, not polled", EngineScenario().On(115).Hang(), L"TavrinEClient.exe",
+       WaitKind::kCancellable, true, true, false, RunEnd::kTimedOut, false, 0, 1},
       {"crash, read anyway", EngineScenario().On(115).Crash(), L"TavrinEClient.exe",
        WaitKind::kPlain, false, true, false, RunEnd::kExited, true, 0},
       {"crash, the bounded poll finds nothing", EngineScenario().On(115).Crash(),
@@ -141,10 +151,13 @@ TEST_F(EngineCallTest, WhatIsReadDependsOnHowTheRunEnded) {
     SCOPED_TRACE(c.name);
     install_.Restart(c.scenario);
     clock_.ClearPauses();
+    fs::remove_all(platform::ToFsPath(folder_));
+    fs::create_directories(platform::ToFsPath(folder_));
     const std::wstring marker = folder_ + platform::kPathSeparator + L"cancel.txt";
     fs::remove(platform::ToFsPath(marker));
     if (c.cancel_marker) testing::WriteFileBytes(platform::ToFsPath(marker), "");
     fs::remove(platform::ToFsPath(foundation::TraceFilePath()));
+    foundation::CurrentSettings().engine_timeout_seconds = c.timeout_s;
     EngineResult previous;
     previous.value = -416;
     previous.description = L"before";
@@ -161,8 +174,36 @@ TEST_F(EngineCallTest, WhatIsReadDependsOnHowTheRunEnded) {
     EXPECT_EQ(result.raw(), -416);
     EXPECT_EQ(result.description, L"before");
     EXPECT_EQ(clock_.CountPauses(100), c.poll_pauses);
-    EXPECT_EQ(Trace().find("no result code from the engine") != std::string::npos, c.read);
+    const std::string trace = Trace();
+    EXPECT_EQ(trace.find("no result code from the engine") != std::string::npos, c.read);
+    EXPECT_EQ(trace.find("Engine run exceeded 1 s and was terminated") != std::string::npos,
+              c.end == RunEnd::kTimedOut);
   }
+}
+
+// The result file comes after the engine ended (a slow disk): the poll waits for it.
+class LateResultClock : public testing::FakeClock {
+ public:
+  explicit LateResultClock(fs::path file) : file_(std::move(file)) {}
+  void Sleep(std::uint32_t ms) override {
+    FakeClock::Sleep(ms);
+    if (pauses().size() == 5) testing::WriteFileBytes(file_, "402\r\n");
+  }
+
+ private:
+  fs::path file_;
+};
+
+TEST_F(EngineCallTest, AResultFileThatComesLateIsRead) {
+  install_.SetScenario(EngineScenario().On(115).Exit(0));
+  LateResultClock clock(platform::ToFsPath(folder_) / "DLLOutput.txt");
+  platform::ScopedServices late({.clock = &clock, .module_folder = {}});
+  EngineResult result = CallEngine(
+      {.program = FixedEngineProgram(), .command = 115, .folder = folder_, .poll_result = true},
+      nullptr);
+  EXPECT_TRUE(result.read);
+  EXPECT_EQ(result.raw(), 402);
+  EXPECT_EQ(clock.CountPauses(100), 5u);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "foundation/settings.h"
 #include "platform/path.h"
 #include "platform/services.h"
@@ -65,17 +67,22 @@ class ScriptedProcess : public platform::RunningProcess {
 TEST(EngineWaits, SlicesPausesAndMessagesPerFlavour) {
   struct Case {
     const char* name;
-    RunEnd (*wait)(platform::RunningProcess*);
+    std::function<RunEnd(platform::RunningProcess*)> wait;
     int running;
     RunEnd end;
     std::size_t slices;
     std::size_t pauses;  // of 100 ms, nothing else
     int pumps;
+    std::uint32_t slice_ms = 300;
   };
   using platform::RunningProcess;
   constexpr auto plain = [](RunningProcess* p) { return WaitPlain(p); };
   constexpr auto pausing = [](RunningProcess* p) { return WaitPausing(p, 100); };
   constexpr auto pumping = [](RunningProcess* p) { return WaitPumping(p, 100); };
+  testing::TempFolder temp;
+  const std::wstring marker = temp.wpath() + platform::kPathSeparator + L"cancel.txt";
+  testing::WriteFileBytes(platform::ToFsPath(marker), "");
+  const auto cancellable = [&](RunningProcess* p) { return WaitCancellable(p, marker); };
   const Case cases[] = {
       {"plain", plain, 3, RunEnd::kExited, 4, 0, 0},
       {"pausing", pausing, 3, RunEnd::kExited, 4, 3, 0},
@@ -83,6 +90,8 @@ TEST(EngineWaits, SlicesPausesAndMessagesPerFlavour) {
       {"pumping, ends at once", pumping, 0, RunEnd::kExited, 1, 0, 0},
       // The pauses alone reach the 1 s limit on the fake clock.
       {"pumping, never ends", pumping, -1, RunEnd::kTimedOut, 10, 10, 10},
+      // Only the program it waits for is ended, within a slice of the marker.
+      {"cancellable, a marker", cancellable, -1, RunEnd::kCancelled, 1, 0, 1, 1000},
   };
   for (const Case& c : cases) {
     testing::FakeClock clock;
@@ -91,10 +100,10 @@ TEST(EngineWaits, SlicesPausesAndMessagesPerFlavour) {
     foundation::CurrentSettings().engine_timeout_seconds = 1;
     ScriptedProcess process(c.running);
     EXPECT_EQ(c.wait(&process), c.end) << c.name;
-    EXPECT_EQ(process.waits, std::vector<std::uint32_t>(c.slices, 300u)) << c.name;
+    EXPECT_EQ(process.waits, std::vector<std::uint32_t>(c.slices, c.slice_ms)) << c.name;
     EXPECT_EQ(clock.pauses(), std::vector<std::uint32_t>(c.pauses, 100u)) << c.name;
     EXPECT_EQ(ui.pumps(), c.pumps) << c.name;
-    EXPECT_EQ(process.terminated, c.end == RunEnd::kTimedOut) << c.name;
+    EXPECT_EQ(process.terminated, c.end != RunEnd::kExited) << c.name;
   }
   EXPECT_EQ(WaitPumping(nullptr, 100), RunEnd::kNotStarted);
 }

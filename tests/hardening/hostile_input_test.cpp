@@ -1,7 +1,7 @@
 // Outside input at its worst: huge numbers and lines, NULs, broken UTF-16,
 // names that try to leave the work root, a work root that cannot hold
-// folders, a full disk, a request that cannot be written, a late answer;
-// and a whole session's files and messages searched for its secrets.
+// folders, files that cannot be written; and a whole session's files and
+// messages searched for its secrets.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -14,18 +14,18 @@
 #include "dialogs/login_flow.h"
 #include "fake_views.h"
 #include "foundation/text_file.h"
-#include "hardening_fixture.h"
 #include "contract/cls_api_interface.h"
 #include "platform/code_page.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
+#include "session_fixture.h"
 
 namespace tavrine::testing {
 namespace {
 
 namespace fs = std::filesystem;
 
-using Hostile = HardeningSession;
+using Hostile = SessionTest;
 
 // The highest version number sizes the version array: a huge or negative one
 // must be skipped, not allocated.
@@ -134,48 +134,15 @@ TEST_F(Hostile, AWorkRootThatCannotHoldFoldersStartsNothing) {
   EXPECT_FALSE(fs::exists(install_.path() / "DLLInput.txt"));
 }
 
-TEST_F(Hostile, AFullDiskMakesWritesReportFailure) {
-  if (!fs::exists("/dev/full")) GTEST_SKIP() << "no cheap full file system here";
+// A folder that holds the file's name (as a lock by another program would) or
+// a full disk: the write reports failure, and nothing throws.
+TEST_F(Hostile, WritesThatCannotHappenReportFailure) {
+  const std::wstring held = CallerFolder(L"DLLInput.txt");
+  EXPECT_FALSE(foundation::WriteUtf16Lines(held, {L"line"}));
+  EXPECT_FALSE(foundation::AppendAnsiLine(held, L"line"));
+  if (!fs::exists("/dev/full")) return;  // no cheap full file system here
   EXPECT_FALSE(foundation::WriteUtf16Lines(L"/dev/full", {L"line"}));
   EXPECT_FALSE(foundation::AppendAnsiLine(L"/dev/full", L"line"));
-}
-
-// The engine answers after it has ended (a slow disk): the listing waits for it.
-class LateAnswerClock : public RealTimeClock {
- public:
-  explicit LateAnswerClock(fs::path folder) : folder_(std::move(folder)) {}
-  void Sleep(std::uint32_t ms) override {
-    RealTimeClock::Sleep(ms);
-    if (++pauses_ == 5) {
-      WriteFileBytes(folder_ / "Backupfile.txt", Utf16LeFile(L"C:\\a/1\r\n"));
-      WriteFileBytes(folder_ / "DLLOutput.txt", "0\r\n");
-    }
-  }
-
- private:
-  fs::path folder_;
-  int pauses_ = 0;
-};
-
-TEST_F(Hostile, AResultFileThatAppearsLateIsStillRead) {
-  install_.Restart(EngineScenario().On(115).Exit(0));
-  std::wstring folder = CallerFolder(L"late");
-  LateAnswerClock clock(platform::ToFsPath(folder));
-  platform::ScopedServices late({.clock = &clock, .module_folder = {}});
-  EXPECT_EQ(contract::clsAPI_Interface().API_REMOTE(folder), 402);
-}
-
-// The request file cannot be written (a folder holds its name, as a lock by
-// another program would): the call ends with its no-result value, the engine
-// never sees a request.
-TEST_F(Hostile, ARequestFileThatCannotBeWrittenEndsTheCall) {
-  std::wstring folder = CallerFolder(L"locked");
-  fs::create_directories(platform::ToFsPath(folder) / "DLLInput.txt");
-  install_.Restart(EngineScenario().On(115).Output(0));
-  EXPECT_EQ(contract::clsAPI_Interface().API_REMOTE(folder), -412);
-  for (const auto& run : install_.Journal()) {
-    EXPECT_EQ(run.request.value_or(""), "") << "the engine saw a request";
-  }
 }
 
 // A whole session against the reference engine with a distinctive password
@@ -195,7 +162,7 @@ std::vector<std::string> Spellings(const std::wstring& secret) {
   return forms;
 }
 
-using Secrets = HardeningSession;
+using Secrets = SessionTest;
 
 TEST_F(Secrets, NoFileOrMessageOfAWholeSessionHoldsThePasswordOrKey) {
   EngineScenario story;

@@ -84,12 +84,6 @@ TEST_F(Listing, ACancelMarkerStartsNoRun) {
   EXPECT_EQ(clsAPI_Interface().API_REMOTE(folder), 402);
 }
 
-TEST_F(Listing, AnEngineThatLeavesNoResultEndsWithMinusOne) {
-  install_.SetScenario(EngineScenario().On(115).Crash());
-  EXPECT_EQ(clsAPI_Interface().API_REMOTE(CallerFolder(L"crash")), -1);
-  EXPECT_NE(TraceText().find("API_REMOTE :: the engine left no result"), std::string::npos);
-}
-
 using Quota = SessionTest;
 
 // A one-line Quota.txt leaves the maximum at 0, no file the used space at -1; only

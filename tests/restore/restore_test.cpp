@@ -76,8 +76,6 @@ TEST_F(RestoreTest, VersionRetries) {
   };
   const Case cases[] = {
       {"three -416 answers", EngineScenario().On(113).Output(-416), -416, {113, 113, 113}, 3},
-      {"-416 then 402", EngineScenario().On(113).Output(-416).Then().Output(402), 402, {113, 113}, 1},
-      {"first answer 402", EngineScenario().On(113).Output(402), 402, {113}, 0},
       {"-403 ends at once", EngineScenario().On(113).Output(-403), -403, {113}, 0},
   };
   for (const Case& c : cases) {

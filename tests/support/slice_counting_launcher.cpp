@@ -1,7 +1,5 @@
 #include "support/slice_counting_launcher.h"
 
-#include <numeric>
-
 namespace tavrine::testing {
 
 namespace {
@@ -33,10 +31,6 @@ std::unique_ptr<platform::RunningProcess> SliceCountingLauncher::Start(
   if (!inner) return nullptr;
   running_.push_back(0);
   return std::make_unique<CountedProcess>(std::move(inner), *this, running_.size() - 1);
-}
-
-int SliceCountingLauncher::TotalRunningSlices() const {
-  return std::accumulate(running_.begin(), running_.end(), 0);
 }
 
 }  // namespace tavrine::testing

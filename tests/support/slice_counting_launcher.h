@@ -18,7 +18,6 @@ class SliceCountingLauncher : public platform::ProcessLauncher {
                                                   const std::wstring& working_folder) override;
   // Of the start number `start` (from 0).
   int RunningSlices(std::size_t start) const { return running_.at(start); }
-  int TotalRunningSlices() const;
   std::size_t starts() const { return running_.size(); }
 
   void CountRunning(std::size_t start) { ++running_.at(start); }
