@@ -9,7 +9,7 @@
 #include "engine/engine_codes.h"
 #include "engine/session.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "foundation/text_file.h"
 #include "foundation/tokenizer.h"
 #include "foundation/trace_log.h"

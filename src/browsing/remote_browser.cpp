@@ -10,7 +10,8 @@
 #include "engine/exchange_folder.h"
 #include "engine/proxy.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
+#include "foundation/shared_state.h"
 #include "foundation/text_util.h"
 #include "foundation/tokenizer.h"
 #include "foundation/trace_log.h"
@@ -230,7 +231,7 @@ std::int32_t RemoteBrowser::QueryMachines() {
 
   BrowsingState& state = CurrentBrowsingState();
   if (result == engine::EngineCode::kPasswordChangedOnWeb) {
-    foundation::CurrentSettings().last_error_text = kPasswordChangedTwoLines;
+    foundation::ThreadState().last_error_text = kPasswordChangedTwoLines;
   } else if (result == engine::EngineCode::kSuccessWithData) {
     const std::wstring count = engine::Connection::ProfileValue(L"Count");
     if (foundation::LeadingNumber(count) != 0) {

@@ -6,11 +6,13 @@
 #include "dialogs/dialog_texts.h"
 #include "engine/engine_call.h"
 #include "engine/result_file.h"
+#include "engine/session.h"
 #include "engine/exchange_folder.h"
 #include "engine/ip_resolve.h"
 #include "foundation/file_system.h"
 #include "foundation/message_table.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
+#include "foundation/shared_state.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/trace_log.h"
@@ -26,7 +28,8 @@ namespace tavrine::dialogs {
 
 namespace {
 
-using foundation::CurrentSettings;
+using foundation::LoadedConfiguration;
+using foundation::ThreadState;
 using foundation::JoinPath;
 using foundation::Trace;
 
@@ -81,7 +84,7 @@ constexpr MessageRow kMessages[] = {
 
 std::wstring MacAccountText() {
   return std::wstring(L"This is a Mac account. The Mac and Windows accounts are not inter-operable.") +
-         L"\r\n" + L"You need to sign up for a windows specific " + CurrentSettings().product_name +
+         L"\r\n" + L"You need to sign up for a windows specific " + LoadedConfiguration().product_name +
          L" account. To proceed, click the 'OK' button. This takes you to the sign up page from "
          L"where you can create an account." +
          L"\r\n" + L"Alternately, visit " + kProSignupPage + L" to sign up for an account.";
@@ -89,7 +92,7 @@ std::wstring MacAccountText() {
 
 void ShowStop(const std::wstring& text, const std::wstring& title) {
   platform::CurrentUi().ShowMessageBox(
-      text, title.empty() ? CurrentSettings().message_title : title,
+      text, title.empty() ? LoadedConfiguration().message_title : title,
       platform::kMbOk | platform::kMbIconStop);
 }
 
@@ -228,9 +231,9 @@ void LoginProcedure::Fail(std::optional<LoginMessage> message, const std::wstrin
 
 void LoginProcedure::ShowMacAccount() {
   int answer = platform::CurrentUi().ShowMessageBox(
-      MacAccountText(), CurrentSettings().message_title, platform::kMbOk | platform::kMbIconStop);
+      MacAccountText(), LoadedConfiguration().message_title, platform::kMbOk | platform::kMbIconStop);
   if (answer != 1) return;  // the box could not be shown
-  const std::wstring page = LanguageLink(CurrentSettings().signup_link);
+  const std::wstring page = LanguageLink(LoadedConfiguration().signup_link);
   if (view_.OpenWebPage(page) <= 32) view_.OpenWebPage(page);
 }
 
@@ -270,7 +273,7 @@ void LoginProcedure::LoadStoredKey() {
 }
 
 bool LoginProcedure::Run() {
-  foundation::LoadConfigurations();
+  const engine::Session session = engine::Session::OpenConfiguration();
   auto store = profile::ProfileStore::ForCurrentInstallation();
 
   // 1. The entered user's stored values.
@@ -317,13 +320,13 @@ bool LoginProcedure::Run() {
                             ? foundation::ReadConfigValue(L"ConnectionInfo", L"DomainName")
                             : std::wstring(foundation::kDefaultServerHost);
     address_ = engine::ResolveHostAddress(host);
-    if (address_.empty()) address_ = CurrentSettings().current_address;
+    if (address_.empty()) address_ = session.configuration().current_address;
   }
   // The account's stored port, as every other request sends it; a first login
   // has none and takes the configured one.
   port_ = store.GetForUser(user_, L"port");
   if (port_.empty()) port_ = store.GetForUser(user_, L"OutPort");
-  if (port_.empty()) port_ = CurrentSettings().port;
+  if (port_.empty()) port_ = session.configuration().port;
   Trace(L"New3 : g_IPAddress : " + address_);
   Trace(L"New3 : OutgoingPort : " + port_);
 
@@ -347,7 +350,7 @@ bool LoginProcedure::Run() {
   if (!Login()) return false;
   if (!CompleteSession()) return false;
   Save();
-  CurrentSettings().renew_random_permitted = true;
+  ThreadState().renew_random_permitted = true;
   view_.CloseDialog();
   return true;
 }
@@ -483,7 +486,7 @@ bool LoginProcedure::ResolveEmail(bool& go_on) {
 bool LoginProcedure::Login() {
   CallResult result = RunCall(LoginCall::kLogin, kMachineCode);
   if (result.code == engine::EngineCode::kCleanupInProgress) {
-    Fail(LoginMessage::kMaintenance, CurrentSettings().product_name + L" login failure");
+    Fail(LoginMessage::kMaintenance, LoadedConfiguration().product_name + L" login failure");
     return false;
   }
   if (result.code <= 0) {
@@ -517,7 +520,7 @@ bool LoginProcedure::CompleteSession() {
     }
     if (result.code == engine::EngineCode::kMachineNotRegistered) {
       // Nothing to report; the next -505 of an operation may renew the number.
-      CurrentSettings().renew_random_permitted = true;
+      ThreadState().renew_random_permitted = true;
       Fail(std::nullopt);
       return false;
     }

@@ -8,7 +8,7 @@
 #include "engine/engine_run.h"
 #include "engine/session.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/trace_log.h"
@@ -111,7 +111,7 @@ ManualBackup::UploadStart ManualBackup::StartUpload() {
   std::wstring user;
   bool started = false;
   try {
-    foundation::LoadConfigurations();
+    engine::Session::OpenConfiguration();
     user = User();
     profile::ProfileStore store = profile::ProfileStore::ForCurrentInstallation();
     if (Cancelled()) {
@@ -148,7 +148,7 @@ ManualBackup::UploadStart ManualBackup::StartUpload() {
 }
 
 std::int32_t ManualBackup::Finish() {
-  foundation::LoadConfigurations();
+  engine::Session::OpenConfiguration();
   return ResumeSchedule(User());
 }
 

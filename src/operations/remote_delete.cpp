@@ -5,9 +5,10 @@
 #include "engine/engine_codes.h"
 #include "engine/exchange_folder.h"
 #include "engine/result_file.h"
+#include "engine/session.h"
 #include "foundation/file_system.h"
 #include "foundation/message_table.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/time_format.h"
@@ -23,7 +24,7 @@ namespace tavrine::operations {
 
 namespace {
 
-using foundation::CurrentSettings;
+using foundation::LoadedConfiguration;
 using foundation::FileExists;
 using foundation::JoinPath;
 
@@ -32,14 +33,14 @@ using engine::EngineCode;
 constexpr const wchar_t* kFirewallFolderSuffix = L"_123456";
 
 void ShowDeleteBox(const std::wstring& text, unsigned icon) {
-  platform::CurrentUi().ShowMessageBox(text, CurrentSettings().failure_title,
+  platform::CurrentUi().ShowMessageBox(text, LoadedConfiguration().failure_title,
                                        platform::kMbOk | icon);
 }
 
 // The shell side's progress window: hidden, not closed, as the shell side
 // still owns it.
 void HideDeletingWindow() {
-  platform::CurrentUi().HideWindowByTitle(CurrentSettings().product_name + L" - Deleting");
+  platform::CurrentUi().HideWindowByTitle(LoadedConfiguration().product_name + L" - Deleting");
 }
 
 // The one box a finished delete shows; gives the method's result.
@@ -93,7 +94,7 @@ std::int32_t DeleteRemote(engine::Session& session, const std::wstring& list_fil
   setup.poll_result = true;
   auto outcome = engine::RunWithRetry(
       // The listing's codes again after 2000 ms, four attempts.
-      ServerRetryPolicy(4, 2000, session),
+      ServerRetryPolicy(4, 2000),
       [&](const engine::EngineResult&) -> std::optional<engine::EngineResult> {
         engine::EngineResult result = engine::CallEngine(setup, [&](const std::wstring& into) {
           // Result files of an earlier attempt must not pass for this one's.
@@ -120,8 +121,8 @@ std::int32_t DeleteRemote(engine::Session& session, const std::wstring& list_fil
 std::int32_t ProbeFirewall(const std::wstring& known_address) {
   std::int32_t result = 0;
   const std::wstring base_path = foundation::ComputeWorkRoot();
-  foundation::LoadConfigurations();
-  const auto& settings = CurrentSettings();
+  const engine::Session session = engine::Session::OpenConfiguration();
+  const auto& settings = session.configuration();
   const std::wstring marker = base_path + settings.installation_name + L"Client.txt";
   if (FileExists(marker)) return 0;
 

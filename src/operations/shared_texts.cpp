@@ -3,7 +3,8 @@
 #include "engine/engine_codes.h"
 #include "foundation/language_text.h"
 #include "foundation/message_table.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
+#include "foundation/shared_state.h"
 #include "foundation/text_util.h"
 #include "platform/services.h"
 
@@ -18,20 +19,20 @@ std::wstring TextOr(std::optional<std::wstring> text, const wchar_t* fallback) {
 }
 
 void ShowFailureBox(const std::wstring& text) {
-  platform::CurrentUi().ShowMessageBox(text, foundation::CurrentSettings().failure_title,
+  platform::CurrentUi().ShowMessageBox(text, foundation::LoadedConfiguration().failure_title,
                                        platform::kMbOk | platform::kMbIconStop);
 }
 
 }  // namespace
 
 void PreloadFailureTexts() {
-  auto& settings = foundation::CurrentSettings();
+  auto& settings = foundation::ThreadState();
   settings.last_error_text = kConnectionFailureText;
   settings.password_changed_text = kPasswordChangedText;
 }
 
 void PreloadFailureTextsFromMessageTable() {
-  auto& settings = foundation::CurrentSettings();
+  auto& settings = foundation::ThreadState();
   settings.last_error_text =
       TextOr(foundation::MessageText(Raw(engine::EngineCode::kNoConnection)), kConnectionFailureText);
   settings.password_changed_text = TextOr(
@@ -46,12 +47,12 @@ std::wstring ConnectionFailureText() {
 }
 
 void PresetConnectionFailureText() {
-  foundation::CurrentSettings().last_error_text = ConnectionFailureText();
+  foundation::ThreadState().last_error_text = ConnectionFailureText();
 }
 
 void ShowListingFailure(std::int32_t result) {
   PresetConnectionFailureText();
-  auto& settings = foundation::CurrentSettings();
+  const auto& settings = foundation::ThreadState();
   if (IsListingRetryCode(result) || result == engine::EngineCode::kDatabaseError) {
     ShowFailureBox(settings.last_error_text);
   } else if (engine::IsIn(result, engine::codes::kListingOwnText)) {

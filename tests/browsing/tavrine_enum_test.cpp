@@ -10,6 +10,7 @@
 #include "browsing/browsing_state.h"
 #include "contract/tavrine_enum.h"
 #include "engine/engine_run.h"
+#include "foundation/shared_state.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
@@ -206,7 +207,7 @@ TEST_F(EnumTest, MachineInfoLeavesTheTextTheCallerShows) {
     install_.SetScenario(EngineScenario().On(119).Output(c.answer));
     TavrinEenum e;
     EXPECT_EQ(e.GetMultiplePCInfo(), c.answer);
-    EXPECT_EQ(foundation::CurrentSettings().last_error_text, c.text) << c.answer;
+    EXPECT_EQ(foundation::ThreadState().last_error_text, c.text) << c.answer;
   }
 }
 

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <thread>
 
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "contract/cls_api_interface.h"
 #include "contract/ui_commands.h"
 #include "operations/session_fixture.h"

@@ -2,7 +2,8 @@
 
 #include <thread>
 
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
+#include "foundation/shared_state.h"
 #include "contract/cls_api_interface.h"
 #include "operations/last_quota.h"
 #include "operations/shared_texts.h"
@@ -66,7 +67,7 @@ TEST_F(Listing, UnregisteredMachineReturns401UnlessRenewalIsPermitted) {
   install_.Restart(EngineScenario()
                        .On(115).Info(-505).Then().Output(0).WithFile("Backupfile.txt", "x")
                        .On(5).Output(404));
-  foundation::CurrentSettings().renew_random_permitted = true;
+  foundation::ThreadState().renew_random_permitted = true;
   clock_.ClearPauses();
   EXPECT_EQ(clsAPI_Interface().API_REMOTE(CallerFolder(L"m2")), 402);
   EXPECT_EQ(install_.Codes(), (std::vector<int>{115, 5, 115}));

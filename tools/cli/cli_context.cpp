@@ -5,7 +5,7 @@
 
 #include "foundation/file_system.h"
 #include "foundation/message_table.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "platform/console.h"
 #include "platform/path.h"
 #include "format.h"

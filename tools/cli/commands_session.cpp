@@ -5,7 +5,7 @@
 #include "console_login_view.h"
 #include "dialogs/login_flow.h"
 #include "foundation/message_table.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "format.h"
 #include "contract/ui_commands.h"
 #include "profile/profile_store.h"
