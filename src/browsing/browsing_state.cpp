@@ -1,7 +1,7 @@
 #include "browsing/browsing_state.h"
 
-#include "foundation/file_system.h"
 #include "foundation/configuration.h"
+#include "foundation/file_system.h"
 #include "foundation/shared_state.h"
 #include "foundation/trace_log.h"
 #include "platform/path.h"

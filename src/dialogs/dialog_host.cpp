@@ -2,8 +2,8 @@
 
 #include "engine/engine_codes.h"
 #include "engine/session.h"
-#include "foundation/file_system.h"
 #include "foundation/configuration.h"
+#include "foundation/file_system.h"
 #include "operations/remote_operations.h"
 #include "platform/module_folder.h"
 #include "platform/services.h"

@@ -1,7 +1,7 @@
 #include "dialogs/dialog_texts.h"
 
-#include "foundation/language_text.h"
 #include "foundation/configuration.h"
+#include "foundation/language_text.h"
 #include "foundation/text_util.h"
 
 namespace tavrine::dialogs {

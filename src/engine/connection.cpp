@@ -6,8 +6,8 @@
 
 #include "engine/ip_resolve.h"
 #include "engine/mpc_ini.h"
-#include "foundation/file_system.h"
 #include "foundation/configuration.h"
+#include "foundation/file_system.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "profile/character_shift.h"

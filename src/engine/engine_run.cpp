@@ -1,7 +1,7 @@
 #include "engine/engine_run.h"
 
-#include "foundation/file_system.h"
 #include "foundation/configuration.h"
+#include "foundation/file_system.h"
 #include "foundation/trace_log.h"
 #include "platform/module_folder.h"
 #include "platform/services.h"

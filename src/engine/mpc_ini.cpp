@@ -1,7 +1,7 @@
 #include "engine/mpc_ini.h"
 
-#include "foundation/file_system.h"
 #include "foundation/configuration.h"
+#include "foundation/file_system.h"
 #include "foundation/shared_state.h"
 #include "platform/ini_file.h"
 #include "profile/profile_store.h"

@@ -1,7 +1,7 @@
 #include "foundation/language_text.h"
 
-#include "foundation/file_system.h"
 #include "foundation/configuration.h"
+#include "foundation/file_system.h"
 #include "platform/ini_file.h"
 #include "platform/module_folder.h"
 #include "platform/path.h"

@@ -4,8 +4,8 @@
 #include <array>
 #include <iterator>
 
-#include "foundation/language_text.h"
 #include "foundation/configuration.h"
+#include "foundation/language_text.h"
 #include "foundation/text_util.h"
 
 namespace tavrine::foundation {

@@ -6,9 +6,9 @@
 #include "engine/exchange_folder.h"
 #include "engine/result_file.h"
 #include "engine/session.h"
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
 #include "foundation/message_table.h"
-#include "foundation/configuration.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/time_format.h"
@@ -24,7 +24,6 @@ namespace tavrine::operations {
 
 namespace {
 
-using foundation::LoadedConfiguration;
 using foundation::FileExists;
 using foundation::JoinPath;
 
@@ -32,29 +31,30 @@ using engine::EngineCode;
 
 constexpr const wchar_t* kFirewallFolderSuffix = L"_123456";
 
-void ShowDeleteBox(const std::wstring& text, unsigned icon) {
-  platform::CurrentUi().ShowMessageBox(text, LoadedConfiguration().failure_title,
-                                       platform::kMbOk | icon);
+void ShowDeleteBox(const foundation::Configuration& configuration, const std::wstring& text,
+                   unsigned icon) {
+  platform::CurrentUi().ShowMessageBox(text, configuration.failure_title, platform::kMbOk | icon);
 }
 
 // The shell side's progress window: hidden, not closed, as the shell side
 // still owns it.
-void HideDeletingWindow() {
-  platform::CurrentUi().HideWindowByTitle(LoadedConfiguration().product_name + L" - Deleting");
+void HideDeletingWindow(const foundation::Configuration& configuration) {
+  platform::CurrentUi().HideWindowByTitle(configuration.product_name + L" - Deleting");
 }
 
 // The one box a finished delete shows; gives the method's result.
-std::int32_t ReportDeleteOutcome(std::int32_t code) {
+std::int32_t ReportDeleteOutcome(const foundation::Configuration& configuration,
+                                 std::int32_t code) {
   if (engine::IsIn(code, engine::codes::kListingRetry) ||
       code == EngineCode::kMachineNotRegistered) {
-    ShowDeleteBox(ConnectionFailureText(), platform::kMbIconStop);
+    ShowDeleteBox(configuration, ConnectionFailureText(), platform::kMbIconStop);
     return code;
   }
   if (code == EngineCode::kSuccessWithData || code == EngineCode::kNoAnswer) return 1;
   if (code == EngineCode::kCannotGetFiles || code == EngineCode::kCleanupInProgress) {
-    ShowDeleteBox(foundation::MessageText(code).value_or(L""),
-                  code == EngineCode::kCannotGetFiles ? platform::kMbIconInformation
-                                                      : platform::kMbIconStop);
+    ShowDeleteBox(
+        configuration, foundation::MessageText(code).value_or(L""),
+        code == EngineCode::kCannotGetFiles ? platform::kMbIconInformation : platform::kMbIconStop);
   }
   return code;
 }
@@ -110,12 +110,12 @@ std::int32_t DeleteRemote(engine::Session& session, const std::wstring& list_fil
     return Raw(EngineCode::kRenewalRefused);
   }
   foundation::DeleteFolderTree(folder);
-  HideDeletingWindow();
+  HideDeletingWindow(session.configuration());
   if (outcome.stop == engine::RetryStop::kAborted) {
     foundation::Trace(L"API_DELETE_REMOTE_FILE :: the engine left no result");
     return -1;
   }
-  return ReportDeleteOutcome(outcome.last.raw());
+  return ReportDeleteOutcome(session.configuration(), outcome.last.raw());
 }
 
 std::int32_t ProbeFirewall(const std::wstring& known_address) {

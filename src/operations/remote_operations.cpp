@@ -4,8 +4,8 @@
 #include "engine/engine_codes.h"
 #include "engine/exchange_folder.h"
 #include "engine/result_file.h"
-#include "foundation/file_system.h"
 #include "foundation/configuration.h"
+#include "foundation/file_system.h"
 #include "foundation/shared_state.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
@@ -208,7 +208,7 @@ std::int32_t ListRemote(engine::Session& session, const std::wstring& folder) {
   if (outcome.stop == RetryStop::kAborted) return -1;
   if (outcome.stop == RetryStop::kRenewalRefused) return Raw(EngineCode::kRenewalRefused);
   const std::int32_t result = outcome.last.raw();
-  ShowListingFailure(result);
+  ShowListingFailure(result, session.configuration());
   return result;
 }
 

@@ -2,10 +2,10 @@
 
 #include "engine/engine_call.h"
 #include "engine/engine_codes.h"
-#include "engine/result_file.h"
 #include "engine/exchange_folder.h"
-#include "foundation/file_system.h"
+#include "engine/result_file.h"
 #include "foundation/configuration.h"
+#include "foundation/file_system.h"
 #include "foundation/shared_state.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"

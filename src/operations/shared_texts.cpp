@@ -1,9 +1,9 @@
 #include "operations/shared_texts.h"
 
 #include "engine/engine_codes.h"
+#include "foundation/configuration.h"
 #include "foundation/language_text.h"
 #include "foundation/message_table.h"
-#include "foundation/configuration.h"
 #include "foundation/shared_state.h"
 #include "foundation/text_util.h"
 #include "platform/services.h"
@@ -18,8 +18,8 @@ std::wstring TextOr(std::optional<std::wstring> text, const wchar_t* fallback) {
   return text && !foundation::Trim(*text).empty() ? *text : std::wstring(fallback);
 }
 
-void ShowFailureBox(const std::wstring& text) {
-  platform::CurrentUi().ShowMessageBox(text, foundation::LoadedConfiguration().failure_title,
+void ShowFailureBox(const std::wstring& text, const foundation::Configuration& configuration) {
+  platform::CurrentUi().ShowMessageBox(text, configuration.failure_title,
                                        platform::kMbOk | platform::kMbIconStop);
 }
 
@@ -50,13 +50,13 @@ void PresetConnectionFailureText() {
   foundation::ThreadState().last_error_text = ConnectionFailureText();
 }
 
-void ShowListingFailure(std::int32_t result) {
+void ShowListingFailure(std::int32_t result, const foundation::Configuration& configuration) {
   PresetConnectionFailureText();
   const auto& settings = foundation::ThreadState();
   if (IsListingRetryCode(result) || result == engine::EngineCode::kDatabaseError) {
-    ShowFailureBox(settings.last_error_text);
+    ShowFailureBox(settings.last_error_text, configuration);
   } else if (engine::IsIn(result, engine::codes::kListingOwnText)) {
-    ShowFailureBox(foundation::MessageText(result).value_or(L""));
+    ShowFailureBox(foundation::MessageText(result).value_or(L""), configuration);
   }
 }
 

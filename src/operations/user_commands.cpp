@@ -1,8 +1,8 @@
 #include "operations/user_commands.h"
 
 #include "engine/session.h"
-#include "foundation/message_table.h"
 #include "foundation/configuration.h"
+#include "foundation/message_table.h"
 #include "foundation/trace_log.h"
 #include "operations/remote_operations.h"
 #include "profile/profile_store.h"

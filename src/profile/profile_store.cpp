@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "foundation/file_system.h"
 #include "foundation/configuration.h"
+#include "foundation/file_system.h"
 #include "foundation/trace_log.h"
 #include "platform/secret_protector.h"
 #include "profile/character_shift.h"

@@ -1,3 +1,5 @@
+#include "contract/tavrine_enum.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -8,13 +10,12 @@
 #include <vector>
 
 #include "browsing/browsing_state.h"
-#include "contract/tavrine_enum.h"
 #include "engine/engine_run.h"
 #include "foundation/shared_state.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
-#include "profile/profile_store.h"
 #include "platform/services.h"
+#include "profile/profile_store.h"
 #include "session_fixture.h"
 #include "support/slice_counting_launcher.h"
 

@@ -1,9 +1,8 @@
-#include "foundation/configuration.h"
-
 #include <gtest/gtest.h>
 
 #include <thread>
 
+#include "foundation/configuration.h"
 #include "foundation/shared_state.h"
 #include "foundation/trace_log.h"
 #include "platform/code_page.h"

@@ -2,12 +2,12 @@
 
 #include <thread>
 
+#include "contract/cls_api_interface.h"
+#include "contract/ui_commands.h"
 #include "foundation/configuration.h"
 #include "foundation/shared_state.h"
-#include "contract/cls_api_interface.h"
 #include "operations/last_quota.h"
 #include "operations/shared_texts.h"
-#include "contract/ui_commands.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
 #include "session_fixture.h"
@@ -50,7 +50,7 @@ TEST_F(Listing, TenTransientAnswersEndWithTheConnectionFailureBox) {
 TEST_F(Listing, EveryRetriedCodeEndsWithTheConnectionFailureBox) {
   foundation::LoadConfigurations();
   for (int code : {-416, -404, -417, -403, -508, -507, -506, -401, -405, -12008, -12009, -12010}) {
-    ShowListingFailure(code);
+    ShowListingFailure(code, foundation::LoadedConfiguration());
   }
   ASSERT_EQ(ui_.boxes().size(), 12u);
   for (const auto& box : ui_.boxes()) {

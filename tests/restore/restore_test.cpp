@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "foundation/configuration.h"
-#include "foundation/shared_state.h"
 #include "contract/c_restore.h"
 #include "contract/cls_api_interface.h"
+#include "foundation/configuration.h"
+#include "foundation/shared_state.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
 #include "platform/services.h"

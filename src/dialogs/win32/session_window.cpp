@@ -21,7 +21,8 @@ bool frmSession::Show(int modal) {
 
 int frmSession::OnInit() {
   SetWindowTextW(hwnd(), (foundation::LoadedConfiguration().caption + L" - " +
-                          LocalText(caption::kSessionTitle, L"Session")).c_str());
+                          LocalText(caption::kSessionTitle, L"Session"))
+                             .c_str());
   SetText(IDC_lblSessionUser, LocalText(caption::kSessionUser, L"User:"));
   SetText(IDC_lblSessionServer, LocalText(caption::kSessionServer, L"Server:"));
   SetText(IDC_lblSessionQuota, LocalText(caption::kSessionQuota, L"Quota:"));

@@ -2,9 +2,8 @@
 // with window messages or keystrokes, message boxes, screenshots, the layout
 // and access-key checks, and the fixtures with an engine install per language.
 #pragma once
-#include <windows.h>
-
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include <atomic>
 #include <filesystem>
