@@ -86,11 +86,11 @@ std::int32_t ManualBackup::Prepare(std::int32_t handle, const std::wstring& exch
     std::int32_t result = Cancelled() ? kCancelled : Compare();
     // Only a compare that found items leads to an upload; anything else
     // ends the manual backup here, so the schedule runs again.
-    if (result != kCompareFoundItems) ResumeSchedule(User());
+    if (result != kCompareFoundItems) Unpause();
     return result;
   } catch (...) {
     // A failed backup must not leave the schedule paused.
-    if (paused) ResumeSchedule(User());
+    if (paused) Unpause();
     throw;
   }
 }
@@ -149,7 +149,14 @@ ManualBackup::UploadStart ManualBackup::StartUpload() {
 
 std::int32_t ManualBackup::Finish() {
   engine::Session::OpenConfiguration();
-  return ResumeSchedule(User());
+  return Unpause();
+}
+
+// The user is read before the load, as the schedule call itself always did.
+std::int32_t ManualBackup::Unpause() {
+  const std::wstring user = User();
+  engine::Session::OpenConfiguration();
+  return ResumeSchedule(user);
 }
 
 bool ManualBackup::Cancelled() const {
