@@ -37,6 +37,26 @@ TEST(ThreadSlot, EachThreadHasItsOwnValueDestroyedWhenTheThreadEnds) {
   EXPECT_EQ(state.Get().owner, L"main");
 }
 
+// All of a thread's values share one slot: each stays apart, all go when the
+// thread ends, and an object that goes takes this thread's value with it.
+TEST(ThreadSlot, ValuesOfSeveralObjectsStayApartAndEndTogether) {
+  PerThread<Counted> first;
+  auto second = std::make_unique<PerThread<Counted>>();
+  destroyed = 0;
+  std::wstring seen;
+  std::thread([&] {
+    first.Get().owner = L"first";
+    second->Get().owner = L"second";
+    seen = first.Get().owner + L"|" + second->Get().owner;
+  }).join();
+  EXPECT_EQ(seen, L"first|second");
+  EXPECT_EQ(destroyed, 2);
+  second->Get().owner = L"main";
+  second.reset();
+  EXPECT_EQ(destroyed, 3);
+  EXPECT_EQ(first.Get().owner, L"");
+}
+
 TEST(ThreadSlot, SettingAgainReplacesAndDestroysTheEarlierValue) {
   ThreadSlot slot;
   destroyed = 0;
