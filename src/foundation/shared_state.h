@@ -4,11 +4,12 @@
 namespace tavrine::foundation {
 
 // What one call leaves for later calls on the same thread (each apartment
-// thread has its own): set by the subsystems named beside each field.
+// thread has its own).
 struct SharedState {
-  // Set by the machine list and the restore: whether the account spans computers.
+  // Whether the account spans computers: set by the machine and version
+  // requests, the restore and the browsing calls.
   bool multiple_pc = false;
-  // The failure texts of the last engine answer, for the message shown later.
+  // The failure texts preloaded for the boxes a later answer shows.
   std::wstring last_error_text;
   std::wstring password_changed_text;
   // The work root the trace log last computed; browsing reuses it.
