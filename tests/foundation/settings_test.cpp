@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "foundation/configuration.h"
-#include "foundation/shared_state.h"
 #include "foundation/trace_log.h"
 #include "platform/code_page.h"
 #include "platform/path.h"
@@ -107,32 +104,6 @@ TEST(LoadConfigurations, EngineTimeoutIsConfigurableWhenPositive) {
     LoadConfigurations();
     EXPECT_EQ(LoadedConfiguration().engine_timeout_seconds, seconds) << text;
   }
-}
-
-// Apartment threads each keep what their calls loaded and left behind.
-TEST(ThreadSettings, EachThreadHasItsOwnConfigurationAndSharedState) {
-  LoadedConfiguration() = {};
-  ThreadState() = {};
-  LoadedConfiguration().caption = L"main";
-  ThreadState().last_error_text = L"main";
-  ThreadState().renew_random_permitted = true;
-  std::wstring seen_caption = L"unset", seen_text = L"unset";
-  bool seen_renew = true;
-  std::thread other([&] {
-    seen_caption = LoadedConfiguration().caption;
-    seen_text = ThreadState().last_error_text;
-    seen_renew = ThreadState().renew_random_permitted;
-    LoadedConfiguration().caption = L"other";
-    ThreadState().last_error_text = L"other";
-  });
-  other.join();
-  EXPECT_EQ(seen_caption, L"");
-  EXPECT_EQ(seen_text, L"");
-  EXPECT_FALSE(seen_renew);
-  EXPECT_EQ(LoadedConfiguration().caption, L"main");
-  EXPECT_EQ(ThreadState().last_error_text, L"main");
-  LoadedConfiguration() = {};
-  ThreadState() = {};
 }
 
 TEST(ComputeWorkRoot, FollowsVirtualPathAndEndsInASeparator) {
