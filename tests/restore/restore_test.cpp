@@ -4,7 +4,6 @@
 
 #include "contract/c_restore.h"
 #include "contract/cls_api_interface.h"
-#include "foundation/configuration.h"
 #include "foundation/shared_state.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
