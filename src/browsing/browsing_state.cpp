@@ -1,7 +1,8 @@
 #include "browsing/browsing_state.h"
 
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
+#include "foundation/shared_state.h"
 #include "foundation/trace_log.h"
 #include "platform/path.h"
 #include "platform/thread_slot.h"
@@ -15,7 +16,7 @@ BrowsingState& CurrentBrowsingState() {
   return state.Get();
 }
 
-bool& MultiplePcSupport() { return foundation::CurrentSettings().multiple_pc; }
+bool& MultiplePcSupport() { return foundation::ThreadState().multiple_pc; }
 
 bool CountMeansSeveral(const std::wstring& count) { return !count.empty() && count != L"0"; }
 
@@ -25,9 +26,9 @@ std::wstring BrowsingUserName() {
 }
 
 std::wstring BrowsingUserFolder(const std::wstring& user) {
-  if (foundation::CurrentSettings().work_root.empty())
-    foundation::CurrentSettings().work_root = foundation::ComputeWorkRoot();
-  return foundation::CurrentSettings().work_root + foundation::CurrentSettings().installation_name +
+  if (foundation::ThreadState().work_root.empty())
+    foundation::ThreadState().work_root = foundation::ComputeWorkRoot();
+  return foundation::ThreadState().work_root + foundation::LoadedConfiguration().installation_name +
          user;
 }
 

@@ -4,13 +4,14 @@
 #include "browsing/case_fold.h"
 #include "engine/engine_call.h"
 #include "engine/engine_codes.h"
-#include "engine/result_file.h"
-#include "engine/session.h"
 #include "engine/engine_run.h"
 #include "engine/exchange_folder.h"
 #include "engine/proxy.h"
+#include "engine/result_file.h"
+#include "engine/session.h"
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
+#include "foundation/shared_state.h"
 #include "foundation/text_util.h"
 #include "foundation/tokenizer.h"
 #include "foundation/trace_log.h"
@@ -230,7 +231,7 @@ std::int32_t RemoteBrowser::QueryMachines() {
 
   BrowsingState& state = CurrentBrowsingState();
   if (result == engine::EngineCode::kPasswordChangedOnWeb) {
-    foundation::CurrentSettings().last_error_text = kPasswordChangedTwoLines;
+    foundation::ThreadState().last_error_text = kPasswordChangedTwoLines;
   } else if (result == engine::EngineCode::kSuccessWithData) {
     const std::wstring count = engine::Connection::ProfileValue(L"Count");
     if (foundation::LeadingNumber(count) != 0) {

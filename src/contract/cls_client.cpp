@@ -2,8 +2,8 @@
 
 #include "contract/failure_boundary.h"
 #include "engine/result_file.h"
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
 #include "foundation/trace_log.h"
 #include "profile/user_name_ini.h"
 

@@ -1,8 +1,9 @@
 #include "dialogs/dialog_host.h"
 
 #include "engine/engine_codes.h"
+#include "engine/session.h"
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
 #include "operations/remote_operations.h"
 #include "platform/module_folder.h"
 #include "platform/services.h"
@@ -35,8 +36,8 @@ ScopedDialogHost::ScopedDialogHost(DialogHost& host) : saved_(installed_host) {
 ScopedDialogHost::~ScopedDialogHost() { installed_host = saved_; }
 
 std::int16_t RunLoginCommand(std::intptr_t owner) {
-  foundation::LoadConfigurations();
-  platform::CurrentUi().CloseWindowByTitle(foundation::CurrentSettings().caption + L" - Login");
+  const engine::Session session = engine::Session::OpenConfiguration();
+  platform::CurrentUi().CloseWindowByTitle(session.configuration().caption + L" - Login");
   if (TakeLoginCancelledMarker()) return kCancelledByUser;
   return CurrentDialogHost().ShowLoginDialog(owner);
 }
@@ -45,11 +46,11 @@ bool RunSessionCommand(std::intptr_t owner) { return CurrentDialogHost().ShowSes
 
 SessionInfo LoadSessionInfo() {
   SessionInfo info;
-  foundation::LoadConfigurations();
+  const engine::Session session = engine::Session::OpenConfiguration();
   info.user = profile::CurrentUserName();
   if (info.user.empty()) info.user = profile::DefaultUserName();
   info.server = profile::GetUserProfile(L"serverip");
-  if (info.server.empty()) info.server = foundation::CurrentSettings().domain_name;
+  if (info.server.empty()) info.server = session.configuration().domain_name;
   info.quota = operations::LastQuota();
   if (!info.quota && !info.user.empty()) info.quota = RefreshQuota();
   return info;

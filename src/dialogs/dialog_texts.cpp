@@ -1,14 +1,14 @@
 #include "dialogs/dialog_texts.h"
 
+#include "foundation/configuration.h"
 #include "foundation/language_text.h"
-#include "foundation/settings.h"
 #include "foundation/text_util.h"
 
 namespace tavrine::dialogs {
 
 std::wstring WithProductName(std::wstring_view text) {
   static constexpr std::wstring_view kWord = L"Tavrin";
-  const std::wstring& product = foundation::CurrentSettings().product_name;
+  const std::wstring& product = foundation::LoadedConfiguration().product_name;
   std::wstring result;
   std::size_t start = 0;
   for (std::size_t at = text.find(kWord); at != std::wstring_view::npos;
@@ -34,7 +34,7 @@ std::wstring LanguageLinkSuffix(const std::wstring& language) {
 }
 
 std::wstring LanguageLink(const std::wstring& address) {
-  return address + LanguageLinkSuffix(foundation::CurrentSettings().language);
+  return address + LanguageLinkSuffix(foundation::LoadedConfiguration().language);
 }
 
 }  // namespace tavrine::dialogs

@@ -1,7 +1,7 @@
 #include "dialogs/encryption_key.h"
 
 #include "dialogs/dialog_texts.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "foundation/text_util.h"
 #include "platform/services.h"
 
@@ -42,7 +42,7 @@ const Row& RowOf(KeyMessage message) {
 
 void ShowKeyMessage(KeyMessage message) {
   platform::CurrentUi().ShowMessageBox(KeyMessageText(message),
-                                       foundation::CurrentSettings().message_title,
+                                       foundation::LoadedConfiguration().message_title,
                                        KeyMessageStyle(message));
 }
 

@@ -5,12 +5,14 @@
 
 #include "dialogs/dialog_texts.h"
 #include "engine/engine_call.h"
-#include "engine/result_file.h"
 #include "engine/exchange_folder.h"
 #include "engine/ip_resolve.h"
+#include "engine/result_file.h"
+#include "engine/session.h"
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
 #include "foundation/message_table.h"
-#include "foundation/settings.h"
+#include "foundation/shared_state.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/trace_log.h"
@@ -26,8 +28,9 @@ namespace tavrine::dialogs {
 
 namespace {
 
-using foundation::CurrentSettings;
 using foundation::JoinPath;
+using foundation::LoadedConfiguration;
+using foundation::ThreadState;
 using foundation::Trace;
 
 constexpr const wchar_t* kMachineCode = L"MACHINECODEREADONLY";
@@ -80,17 +83,19 @@ constexpr MessageRow kMessages[] = {
 };
 
 std::wstring MacAccountText() {
-  return std::wstring(L"This is a Mac account. The Mac and Windows accounts are not inter-operable.") +
-         L"\r\n" + L"You need to sign up for a windows specific " + CurrentSettings().product_name +
+  return std::wstring(
+             L"This is a Mac account. The Mac and Windows accounts are not inter-operable.") +
+         L"\r\n" + L"You need to sign up for a windows specific " +
+         LoadedConfiguration().product_name +
          L" account. To proceed, click the 'OK' button. This takes you to the sign up page from "
          L"where you can create an account." +
          L"\r\n" + L"Alternately, visit " + kProSignupPage + L" to sign up for an account.";
 }
 
-void ShowStop(const std::wstring& text, const std::wstring& title) {
-  platform::CurrentUi().ShowMessageBox(
-      text, title.empty() ? CurrentSettings().message_title : title,
-      platform::kMbOk | platform::kMbIconStop);
+void ShowStop(const foundation::Configuration& configuration, const std::wstring& text,
+              const std::wstring& title) {
+  platform::CurrentUi().ShowMessageBox(text, title.empty() ? configuration.message_title : title,
+                                       platform::kMbOk | platform::kMbIconStop);
 }
 
 std::wstring BoolText(bool value) { return value ? L"1" : L"0"; }
@@ -197,7 +202,9 @@ std::optional<LoginMessage> MessageForCode(std::int32_t code, LoginCall call,
 }
 
 LoginProcedure::LoginProcedure(LoginView& view, std::wstring opened_user)
-    : view_(view), opened_user_(std::move(opened_user)) {}
+    : view_(view),
+      configuration_(foundation::LoadedConfiguration()),
+      opened_user_(std::move(opened_user)) {}
 
 bool LoginProcedure::OnLogin() {
   // The dialog stays open after any failure: it is traced and shown as "cannot connect".
@@ -223,14 +230,14 @@ void LoginProcedure::Fail(std::optional<LoginMessage> message, const std::wstrin
     ShowMacAccount();
     return;
   }
-  ShowStop(LoginMessageText(*message), title);
+  ShowStop(configuration_, LoginMessageText(*message), title);
 }
 
 void LoginProcedure::ShowMacAccount() {
-  int answer = platform::CurrentUi().ShowMessageBox(
-      MacAccountText(), CurrentSettings().message_title, platform::kMbOk | platform::kMbIconStop);
+  int answer = platform::CurrentUi().ShowMessageBox(MacAccountText(), configuration_.message_title,
+                                                    platform::kMbOk | platform::kMbIconStop);
   if (answer != 1) return;  // the box could not be shown
-  const std::wstring page = LanguageLink(CurrentSettings().signup_link);
+  const std::wstring page = LanguageLink(configuration_.signup_link);
   if (view_.OpenWebPage(page) <= 32) view_.OpenWebPage(page);
 }
 
@@ -270,7 +277,7 @@ void LoginProcedure::LoadStoredKey() {
 }
 
 bool LoginProcedure::Run() {
-  foundation::LoadConfigurations();
+  configuration_ = engine::Session::OpenConfiguration().configuration();
   auto store = profile::ProfileStore::ForCurrentInstallation();
 
   // 1. The entered user's stored values.
@@ -288,13 +295,13 @@ bool LoginProcedure::Run() {
 
   // 2. Input.
   if (user_.empty()) {
-    ShowStop(LoginMessageText(LoginMessage::kUserNameMissing), L"");
+    ShowStop(configuration_, LoginMessageText(LoginMessage::kUserNameMissing), L"");
     view_.FocusUserName();
     return false;
   }
   password_ = view_.PasswordText();
   if (password_.empty()) {
-    ShowStop(LoginMessageText(LoginMessage::kPasswordMissing), L"");
+    ShowStop(configuration_, LoginMessageText(LoginMessage::kPasswordMissing), L"");
     view_.FocusPassword(false);
     return false;
   }
@@ -303,6 +310,7 @@ bool LoginProcedure::Run() {
   // missing-input checks, so that those keep their order and messages.
   if (!profile::IsSafeName(user_)) {
     ShowStop(
+        configuration_,
         LoginMessageText(email_.empty() ? LoginMessage::kBadUserName : LoginMessage::kBadEmail),
         L"");
     view_.FocusUserName();
@@ -317,13 +325,13 @@ bool LoginProcedure::Run() {
                             ? foundation::ReadConfigValue(L"ConnectionInfo", L"DomainName")
                             : std::wstring(foundation::kDefaultServerHost);
     address_ = engine::ResolveHostAddress(host);
-    if (address_.empty()) address_ = CurrentSettings().current_address;
+    if (address_.empty()) address_ = configuration_.current_address;
   }
   // The account's stored port, as every other request sends it; a first login
   // has none and takes the configured one.
   port_ = store.GetForUser(user_, L"port");
   if (port_.empty()) port_ = store.GetForUser(user_, L"OutPort");
-  if (port_.empty()) port_ = CurrentSettings().port;
+  if (port_.empty()) port_ = configuration_.port;
   Trace(L"New3 : g_IPAddress : " + address_);
   Trace(L"New3 : OutgoingPort : " + port_);
 
@@ -347,7 +355,7 @@ bool LoginProcedure::Run() {
   if (!Login()) return false;
   if (!CompleteSession()) return false;
   Save();
-  CurrentSettings().renew_random_permitted = true;
+  ThreadState().renew_random_permitted = true;
   view_.CloseDialog();
   return true;
 }
@@ -475,7 +483,7 @@ bool LoginProcedure::ResolveEmail(bool& go_on) {
   // A failed check leaves the text box, so the next press resolves the address again.
   if (!status) return false;
   Unlock();
-  ShowStop(LoginMessageText(LoginMessage::kSeveralAccounts), L"");
+  ShowStop(configuration_, LoginMessageText(LoginMessage::kSeveralAccounts), L"");
   view_.ShowAccountChoice(names);
   return true;
 }
@@ -483,7 +491,7 @@ bool LoginProcedure::ResolveEmail(bool& go_on) {
 bool LoginProcedure::Login() {
   CallResult result = RunCall(LoginCall::kLogin, kMachineCode);
   if (result.code == engine::EngineCode::kCleanupInProgress) {
-    Fail(LoginMessage::kMaintenance, CurrentSettings().product_name + L" login failure");
+    Fail(LoginMessage::kMaintenance, configuration_.product_name + L" login failure");
     return false;
   }
   if (result.code <= 0) {
@@ -504,7 +512,7 @@ bool LoginProcedure::CompleteSession() {
     if (result.code == engine::EngineCode::kWrongEncryptionKey) {
       if (++asks > kMaxEncryptionPasswordAsks) {
         Unlock();
-        ShowStop(foundation::MessageText(result.code).value_or(L""), L"");
+        ShowStop(configuration_, foundation::MessageText(result.code).value_or(L""), L"");
         return false;
       }
       KeyChoice choice = view_.ShowEncryptionPsd();
@@ -517,7 +525,7 @@ bool LoginProcedure::CompleteSession() {
     }
     if (result.code == engine::EngineCode::kMachineNotRegistered) {
       // Nothing to report; the next -505 of an operation may renew the number.
-      CurrentSettings().renew_random_permitted = true;
+      ThreadState().renew_random_permitted = true;
       Fail(std::nullopt);
       return false;
     }

@@ -7,6 +7,7 @@
 
 #include "engine/engine_codes.h"
 #include "engine/proxy.h"
+#include "foundation/configuration.h"
 
 namespace tavrine::dialogs {
 
@@ -138,6 +139,9 @@ class LoginProcedure {
   std::wstring EnteredUser() const;
 
   LoginView& view_;
+  // What the dialog loaded, then what each login loads at its start; the
+  // boxes and requests of that login read it.
+  foundation::Configuration configuration_;
   std::wstring opened_user_;
   std::wstring entry_;        // txtUserName as typed (trimmed)
   std::wstring user_;         // the account name sent to the engine

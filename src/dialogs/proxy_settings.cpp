@@ -1,7 +1,7 @@
 #include "dialogs/proxy_settings.h"
 
 #include "dialogs/dialog_texts.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "platform/services.h"
 #include "profile/profile_store.h"
 
@@ -15,7 +15,7 @@ void Show(ProxyMessage message) {
   unsigned icon =
       message == ProxyMessage::kSystemProxyOff ? platform::kMbIconInformation : platform::kMbIconStop;
   platform::CurrentUi().ShowMessageBox(ProxyMessageText(message),
-                                       foundation::CurrentSettings().message_title,
+                                       foundation::LoadedConfiguration().message_title,
                                        platform::kMbOk | icon);
 }
 

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "dialogs/dialog_texts.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "foundation/text_util.h"
 
 namespace tavrine::dialogs {
@@ -13,7 +13,7 @@ namespace {
 
 // German and Spanish write 1,1 GB.
 wchar_t DecimalMark() {
-  const std::wstring& language = foundation::CurrentSettings().language;
+  const std::wstring& language = foundation::LoadedConfiguration().language;
   return foundation::EqualsIgnoreCase(language, L"German") ||
                  foundation::EqualsIgnoreCase(language, L"Spanish")
              ? L','

@@ -6,8 +6,8 @@
 
 #include "engine/ip_resolve.h"
 #include "engine/mpc_ini.h"
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "profile/character_shift.h"
@@ -55,7 +55,7 @@ std::vector<std::wstring> ProxyLines(const ProxyBlock& proxy) {
 void Connection::RefreshWorkRoot() { work_root_ = foundation::ComputeWorkRoot(); }
 
 std::wstring Connection::UserFolder() const {
-  return work_root_ + foundation::CurrentSettings().installation_name + folder_user_;
+  return work_root_ + foundation::LoadedConfiguration().installation_name + folder_user_;
 }
 
 void Connection::LoadProfileValues() {
@@ -169,7 +169,7 @@ void Connection::ResolveServerAddress() {
                           : std::wstring(foundation::kDefaultServerHost);
   server_address_ = host;
   server_address_ = ResolveHostAddress(host);
-  if (server_address_.empty()) server_address_ = foundation::CurrentSettings().current_address;
+  if (server_address_.empty()) server_address_ = foundation::LoadedConfiguration().current_address;
 }
 
 void Connection::SetEncryptionPassword(const std::wstring& password) {

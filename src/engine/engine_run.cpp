@@ -1,7 +1,7 @@
 #include "engine/engine_run.h"
 
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
 #include "foundation/trace_log.h"
 #include "platform/module_folder.h"
 #include "platform/services.h"
@@ -15,14 +15,14 @@ constexpr std::uint32_t kCancellableSliceMs = 1000;
 
 std::uint64_t DeadlineFromNow() {
   std::uint64_t limit_ms =
-      static_cast<std::uint64_t>(foundation::CurrentSettings().engine_timeout_seconds) * 1000;
+      static_cast<std::uint64_t>(foundation::LoadedConfiguration().engine_timeout_seconds) * 1000;
   return platform::CurrentClock().SteadyMs() + limit_ms;
 }
 
 RunEnd EndAfterTimeout(platform::RunningProcess* process) {
   process->Terminate(0);
   foundation::Trace(L"Engine run exceeded " +
-                    std::to_wstring(foundation::CurrentSettings().engine_timeout_seconds) +
+                    std::to_wstring(foundation::LoadedConfiguration().engine_timeout_seconds) +
                     L" s and was terminated");
   return RunEnd::kTimedOut;
 }
@@ -58,7 +58,7 @@ std::wstring EngineProgramPath(const std::wstring& program_file) {
 }
 
 std::wstring ConfiguredEngineProgram() {
-  return EngineProgramPath(foundation::CurrentSettings().client_program_name);
+  return EngineProgramPath(foundation::LoadedConfiguration().client_program_name);
 }
 
 std::wstring FixedEngineProgram() { return EngineProgramPath(L"TavrinEClient.exe"); }

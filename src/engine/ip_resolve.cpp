@@ -1,6 +1,6 @@
 #include "engine/ip_resolve.h"
 
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "platform/host_resolver.h"
 #include "platform/services.h"
 
@@ -10,7 +10,7 @@ std::wstring ResolveHostAddress(const std::wstring& host) {
   platform::ResolveResult result = platform::ResolveHostToIPv4(host);
   if (result.status == platform::ResolveStatus::kSocketLayerFailed) {
     platform::CurrentUi().ShowMessageBox(L"Failed to open Socket.",
-                                         foundation::CurrentSettings().message_title,
+                                         foundation::LoadedConfiguration().message_title,
                                          platform::kMbOk);
     return L"";
   }

@@ -1,7 +1,8 @@
 #include "engine/mpc_ini.h"
 
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
+#include "foundation/shared_state.h"
 #include "platform/ini_file.h"
 #include "profile/profile_store.h"
 #include "profile/user_name_ini.h"
@@ -22,7 +23,7 @@ MpcState UpdateMpcIniForThisComputer(const std::wstring& folder) {
   std::wstring file = MpcIniPath(folder);
   state.host_count = platform::ReadIniString(L"MPC", L"HostCount", file);
   state.multiple_pc = !state.host_count.empty() && state.host_count != L"0";
-  foundation::CurrentSettings().multiple_pc = state.multiple_pc;
+  foundation::ThreadState().multiple_pc = state.multiple_pc;
   if (state.host_count != L"1" && !state.multiple_pc) {
     platform::WriteIniString(L"MPC", L"Hosts", ThisComputerUserName() + L"|0;", file);
     platform::WriteIniString(L"MPC", L"HostCount", L"1", file);

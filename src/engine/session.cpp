@@ -11,9 +11,22 @@ Session Session::Open() {
   return session;
 }
 
+Session Session::OpenConfiguration() {
+  Session session;
+  session.LoadConfiguration();
+  return session;
+}
+
 void Session::Reload() {
-  foundation::LoadConfigurations();
+  LoadConfiguration();
   connection_.LoadProfileValues();
+}
+
+// Loads over what this thread loaded last and publishes the result there, for
+// the layers below that read no session (message texts, profile store).
+void Session::LoadConfiguration() {
+  foundation::LoadConfigurations();
+  configuration_ = foundation::LoadedConfiguration();
 }
 
 }  // namespace tavrine::engine

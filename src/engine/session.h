@@ -1,12 +1,12 @@
 #pragma once
-// What an operation reads at its start: the configuration (into the thread's
-// settings), the work root, the current user, the profile's request values
-// and proxy. Opened once at the start of an operation and passed down.
+// What an operation reads at its start: the configuration, the work root, the
+// current user, the profile's request values and proxy. Opened once at the
+// start of an operation and passed down.
 #include <string>
 
 #include "engine/connection.h"
 #include "engine/proxy.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 
 namespace tavrine::engine {
 
@@ -16,11 +16,16 @@ class Session {
   // user and the proxy settings, in that order.
   static Session Open();
 
+  // Loads Configuration.ini only: for the calls that read no profile values,
+  // user or proxy settings.
+  static Session OpenConfiguration();
+
   // Reads the configuration and the profile values again, for the places that
   // must see what another call (a silent login) changed meanwhile.
   void Reload();
 
-  foundation::Settings& settings() const { return foundation::CurrentSettings(); }
+  // Held by value: a later load on this thread does not change it.
+  const foundation::Configuration& configuration() const { return configuration_; }
   Connection& connection() { return connection_; }
   const std::wstring& work_root() const { return work_root_; }
   const std::wstring& current_user() const { return current_user_; }
@@ -29,7 +34,9 @@ class Session {
 
  private:
   Session() = default;
+  void LoadConfiguration();
 
+  foundation::Configuration configuration_;
   Connection connection_;
   std::wstring work_root_;
   std::wstring current_user_;

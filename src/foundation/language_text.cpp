@@ -1,7 +1,7 @@
 #include "foundation/language_text.h"
 
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
 #include "platform/ini_file.h"
 #include "platform/module_folder.h"
 #include "platform/path.h"
@@ -13,7 +13,7 @@ std::wstring LanguageFilePath(const std::wstring& language) {
 }
 
 std::wstring LanguageText(int number) {
-  const std::wstring& language = CurrentSettings().language;
+  const std::wstring& language = LoadedConfiguration().language;
   if (language.empty()) return L"";
   std::wstring file = LanguageFilePath(language);
   if (!FileExists(file)) return L"";

@@ -4,8 +4,8 @@
 #include <array>
 #include <iterator>
 
+#include "foundation/configuration.h"
 #include "foundation/language_text.h"
-#include "foundation/settings.h"
 #include "foundation/text_util.h"
 
 namespace tavrine::foundation {
@@ -107,7 +107,7 @@ constexpr int kSecondCaptionCodes[] = {-50,  -401, -403, -404, -405, -409, -411,
 
 std::wstring EnglishText(const MessageRow& row) {
   if (row.english) return row.english;
-  return L"There are no contents to display in your " + CurrentSettings().caption +
+  return L"There are no contents to display in your " + LoadedConfiguration().caption +
          L" account for this session.";
 }
 

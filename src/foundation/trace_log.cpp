@@ -6,7 +6,8 @@
 #include <system_error>
 #include <utility>
 
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
+#include "foundation/shared_state.h"
 #include "foundation/text_file.h"
 #include "foundation/time_format.h"
 #include "platform/path.h"
@@ -17,7 +18,7 @@ namespace tavrine::foundation {
 std::wstring TraceFilePath() {
   std::wstring installation_name = ReadConfigValue(L"ProductInfo", L"ProductInstallationName");
   std::wstring work_root = ComputeWorkRoot();
-  CurrentSettings().work_root = work_root;
+  ThreadState().work_root = work_root;
   return work_root + L"Log" + platform::kPathSeparator + installation_name + L"UI.txt";
 }
 

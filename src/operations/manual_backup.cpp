@@ -7,8 +7,8 @@
 #include "engine/engine_codes.h"
 #include "engine/engine_run.h"
 #include "engine/session.h"
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/trace_log.h"
@@ -86,11 +86,11 @@ std::int32_t ManualBackup::Prepare(std::int32_t handle, const std::wstring& exch
     std::int32_t result = Cancelled() ? kCancelled : Compare();
     // Only a compare that found items leads to an upload; anything else
     // ends the manual backup here, so the schedule runs again.
-    if (result != kCompareFoundItems) ResumeSchedule(User());
+    if (result != kCompareFoundItems) Unpause();
     return result;
   } catch (...) {
     // A failed backup must not leave the schedule paused.
-    if (paused) ResumeSchedule(User());
+    if (paused) Unpause();
     throw;
   }
 }
@@ -111,7 +111,7 @@ ManualBackup::UploadStart ManualBackup::StartUpload() {
   std::wstring user;
   bool started = false;
   try {
-    foundation::LoadConfigurations();
+    engine::Session::OpenConfiguration();
     user = User();
     profile::ProfileStore store = profile::ProfileStore::ForCurrentInstallation();
     if (Cancelled()) {
@@ -148,8 +148,15 @@ ManualBackup::UploadStart ManualBackup::StartUpload() {
 }
 
 std::int32_t ManualBackup::Finish() {
-  foundation::LoadConfigurations();
-  return ResumeSchedule(User());
+  engine::Session::OpenConfiguration();
+  return Unpause();
+}
+
+// The user is read before the load, as the schedule call itself always did.
+std::int32_t ManualBackup::Unpause() {
+  const std::wstring user = User();
+  engine::Session::OpenConfiguration();
+  return ResumeSchedule(user);
 }
 
 bool ManualBackup::Cancelled() const {

@@ -32,6 +32,8 @@ class ManualBackup {
  private:
   // Pauses a running scheduled backup and blocks new ones.
   void PauseSchedule();
+  // Resumes the schedule of User() with the configuration loaded afresh.
+  std::int32_t Unpause();
   std::int32_t RunCompare();
   std::wstring User() const;
 

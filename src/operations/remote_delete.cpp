@@ -5,9 +5,10 @@
 #include "engine/engine_codes.h"
 #include "engine/exchange_folder.h"
 #include "engine/result_file.h"
+#include "engine/session.h"
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
 #include "foundation/message_table.h"
-#include "foundation/settings.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/time_format.h"
@@ -23,7 +24,6 @@ namespace tavrine::operations {
 
 namespace {
 
-using foundation::CurrentSettings;
 using foundation::FileExists;
 using foundation::JoinPath;
 
@@ -31,29 +31,30 @@ using engine::EngineCode;
 
 constexpr const wchar_t* kFirewallFolderSuffix = L"_123456";
 
-void ShowDeleteBox(const std::wstring& text, unsigned icon) {
-  platform::CurrentUi().ShowMessageBox(text, CurrentSettings().failure_title,
-                                       platform::kMbOk | icon);
+void ShowDeleteBox(const foundation::Configuration& configuration, const std::wstring& text,
+                   unsigned icon) {
+  platform::CurrentUi().ShowMessageBox(text, configuration.failure_title, platform::kMbOk | icon);
 }
 
 // The shell side's progress window: hidden, not closed, as the shell side
 // still owns it.
-void HideDeletingWindow() {
-  platform::CurrentUi().HideWindowByTitle(CurrentSettings().product_name + L" - Deleting");
+void HideDeletingWindow(const foundation::Configuration& configuration) {
+  platform::CurrentUi().HideWindowByTitle(configuration.product_name + L" - Deleting");
 }
 
 // The one box a finished delete shows; gives the method's result.
-std::int32_t ReportDeleteOutcome(std::int32_t code) {
+std::int32_t ReportDeleteOutcome(const foundation::Configuration& configuration,
+                                 std::int32_t code) {
   if (engine::IsIn(code, engine::codes::kListingRetry) ||
       code == EngineCode::kMachineNotRegistered) {
-    ShowDeleteBox(ConnectionFailureText(), platform::kMbIconStop);
+    ShowDeleteBox(configuration, ConnectionFailureText(), platform::kMbIconStop);
     return code;
   }
   if (code == EngineCode::kSuccessWithData || code == EngineCode::kNoAnswer) return 1;
   if (code == EngineCode::kCannotGetFiles || code == EngineCode::kCleanupInProgress) {
-    ShowDeleteBox(foundation::MessageText(code).value_or(L""),
-                  code == EngineCode::kCannotGetFiles ? platform::kMbIconInformation
-                                                      : platform::kMbIconStop);
+    ShowDeleteBox(
+        configuration, foundation::MessageText(code).value_or(L""),
+        code == EngineCode::kCannotGetFiles ? platform::kMbIconInformation : platform::kMbIconStop);
   }
   return code;
 }
@@ -93,7 +94,7 @@ std::int32_t DeleteRemote(engine::Session& session, const std::wstring& list_fil
   setup.poll_result = true;
   auto outcome = engine::RunWithRetry(
       // The listing's codes again after 2000 ms, four attempts.
-      ServerRetryPolicy(4, 2000, session),
+      ServerRetryPolicy(4, 2000),
       [&](const engine::EngineResult&) -> std::optional<engine::EngineResult> {
         engine::EngineResult result = engine::CallEngine(setup, [&](const std::wstring& into) {
           // Result files of an earlier attempt must not pass for this one's.
@@ -109,19 +110,19 @@ std::int32_t DeleteRemote(engine::Session& session, const std::wstring& list_fil
     return Raw(EngineCode::kRenewalRefused);
   }
   foundation::DeleteFolderTree(folder);
-  HideDeletingWindow();
+  HideDeletingWindow(session.configuration());
   if (outcome.stop == engine::RetryStop::kAborted) {
     foundation::Trace(L"API_DELETE_REMOTE_FILE :: the engine left no result");
     return -1;
   }
-  return ReportDeleteOutcome(outcome.last.raw());
+  return ReportDeleteOutcome(session.configuration(), outcome.last.raw());
 }
 
 std::int32_t ProbeFirewall(const std::wstring& known_address) {
   std::int32_t result = 0;
   const std::wstring base_path = foundation::ComputeWorkRoot();
-  foundation::LoadConfigurations();
-  const auto& settings = CurrentSettings();
+  const engine::Session session = engine::Session::OpenConfiguration();
+  const auto& settings = session.configuration();
   const std::wstring marker = base_path + settings.installation_name + L"Client.txt";
   if (FileExists(marker)) return 0;
 

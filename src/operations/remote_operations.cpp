@@ -4,8 +4,9 @@
 #include "engine/engine_codes.h"
 #include "engine/exchange_folder.h"
 #include "engine/result_file.h"
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
+#include "foundation/shared_state.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/trace_log.h"
@@ -94,7 +95,7 @@ std::int32_t Reconnect() {
 std::int32_t SilentLogin(engine::Session& session, const wchar_t* method) {
   engine::Connection& connection = session.connection();
   connection.ResolveServerAddress();
-  connection.SetServerPort(session.settings().port);
+  connection.SetServerPort(session.configuration().port);
 
   std::wstring folder = engine::MakeExchangeFolder(session.UserFolder());
   if (folder.empty()) {
@@ -116,8 +117,8 @@ std::int32_t SilentLogin(engine::Session& session, const wchar_t* method) {
   });
   const std::int32_t result = outcome.last.raw();
   if (outcome.stop == RetryStop::kAnswered && result == EngineCode::kCleanupInProgress) {
-    ShowStopBox(session.settings().product_name + L" login failure",
-                session.settings().message_title);
+    ShowStopBox(session.configuration().product_name + L" login failure",
+                session.configuration().message_title);
   }
   DeleteFileIfExists(request);
   if (engine::IsIn(result, engine::codes::kSilentLoginFailure)) {
@@ -177,7 +178,7 @@ std::int32_t ListRemote(engine::Session& session, const std::wstring& folder) {
 
   const std::wstring listing = JoinPath(folder, L"Backupfile.txt");
   auto outcome = engine::RunWithRetry(
-      ServerRetryPolicy(10, 1000, session),
+      ServerRetryPolicy(10, 1000),
       [&](const EngineResult& previous) -> std::optional<EngineResult> {
         EngineResult result = engine::CallEngine(
             setup,
@@ -207,7 +208,7 @@ std::int32_t ListRemote(engine::Session& session, const std::wstring& folder) {
   if (outcome.stop == RetryStop::kAborted) return -1;
   if (outcome.stop == RetryStop::kRenewalRefused) return Raw(EngineCode::kRenewalRefused);
   const std::int32_t result = outcome.last.raw();
-  ShowListingFailure(result);
+  ShowListingFailure(result, session.configuration());
   return result;
 }
 
@@ -234,15 +235,16 @@ QuotaResult ReadQuota(engine::Session& session) {
         previous));
   });
 
-  const auto& settings = session.settings();
+  const auto& configuration = session.configuration();
+  const auto& state = foundation::ThreadState();
   if (outcome.last.IsIn(engine::codes::kNoConnectionAtAll)) {
-    ShowStopBox(settings.last_error_text, settings.message_title);
+    ShowStopBox(state.last_error_text, configuration.message_title);
     DeleteFileIfExists(JoinPath(session.UserFolder(), L"LoginProgress.txt"));
     quota.result = 0;
     return quota;
   }
   if (outcome.last.Is(EngineCode::kPasswordChanged)) {
-    ShowStopBox(settings.password_changed_text, settings.failure_title);
+    ShowStopBox(state.password_changed_text, configuration.failure_title);
     DeleteFolderTree(folder);
     quota.result = 0;
     return quota;

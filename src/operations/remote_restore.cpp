@@ -2,10 +2,11 @@
 
 #include "engine/engine_call.h"
 #include "engine/engine_codes.h"
-#include "engine/result_file.h"
 #include "engine/exchange_folder.h"
+#include "engine/result_file.h"
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
+#include "foundation/shared_state.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/trace_log.h"
@@ -61,7 +62,7 @@ std::int32_t StartRestore(engine::Session& session, const std::wstring& destPath
 
   const std::wstring host_count = engine::Connection::ProfileValue(L"HostCount");
   const bool multiple = !host_count.empty() && host_count != L"0";
-  session.settings().multiple_pc = multiple;
+  foundation::ThreadState().multiple_pc = multiple;
 
   std::wstring machine;
   std::wstring parent_line;
@@ -139,8 +140,8 @@ VersionsResult FetchVersions(engine::Session& session, const std::wstring& remot
       });
   versions.result = outcome.stop == engine::RetryStop::kAborted ? -1 : outcome.last.raw();
   if (versions.result == engine::EngineCode::kPasswordChanged) {
-    platform::CurrentUi().ShowMessageBox(session.settings().password_changed_text,
-                                         session.settings().message_title,
+    platform::CurrentUi().ShowMessageBox(foundation::ThreadState().password_changed_text,
+                                         session.configuration().message_title,
                                          platform::kMbOk | platform::kMbIconStop);
   }
   return versions;

@@ -1,6 +1,7 @@
 #include "operations/retry_policies.h"
 
 #include "engine/engine_codes.h"
+#include "foundation/shared_state.h"
 #include "operations/remote_operations.h"
 
 namespace tavrine::operations {
@@ -13,13 +14,12 @@ constexpr std::uint32_t kReconnectPauseMs = 100;
 
 }  // namespace
 
-engine::RetryPolicy ServerRetryPolicy(int attempts, std::uint32_t pause_ms,
-                                      const engine::Session& session) {
+engine::RetryPolicy ServerRetryPolicy(int attempts, std::uint32_t pause_ms) {
   engine::RetryPolicy policy;
   policy.attempts = attempts;
   policy.rules.push_back({.codes = engine::codes::kListingRetry, .pause_ms = pause_ms});
   policy.renew = [] { RenewRandomNumber(); };
-  policy.renewal_permitted = session.settings().renew_random_permitted;
+  policy.renewal_permitted = foundation::ThreadState().renew_random_permitted;
   return policy;
 }
 

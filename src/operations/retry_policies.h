@@ -9,8 +9,7 @@ namespace tavrine::operations {
 
 // The listing's and the delete's: their retry codes after `pause_ms`, and -505
 // renewing the random number (then 500 ms) when the login permitted it.
-engine::RetryPolicy ServerRetryPolicy(int attempts, std::uint32_t pause_ms,
-                                      const engine::Session& session);
+engine::RetryPolicy ServerRetryPolicy(int attempts, std::uint32_t pause_ms);
 
 // The quota's and the versions': -416 again after `busy_pause_ms`; -504 after
 // a silent login and 100 ms, with the session read afresh.

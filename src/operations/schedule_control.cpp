@@ -1,7 +1,7 @@
 #include "operations/schedule_control.h"
 
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
 #include "foundation/text_file.h"
 #include "foundation/text_util.h"
 #include "foundation/trace_log.h"
@@ -30,7 +30,7 @@ std::optional<std::vector<std::wstring>> ReadFolderFile(const std::wstring& user
 
 std::wstring ScheduleFolder(const std::wstring& user) {
   if (user.empty() || !profile::IsSafeName(user)) return {};
-  const auto& settings = foundation::CurrentSettings();
+  const auto& settings = foundation::LoadedConfiguration();
   if (settings.installation_name.empty()) return {};
   return foundation::ComputeWorkRoot() + settings.installation_name + user;
 }
@@ -80,7 +80,6 @@ bool RemovePauseRequest(const std::wstring& user) {
 }
 
 std::int32_t BlockScheduledRuns(const std::wstring& given) {
-  foundation::LoadConfigurations();
   std::wstring user = ScheduleUser(given);
   if (user.empty()) return 0;
   bool ok = SetProfileValue(user, L"UPLOAD", L"TRUE");
@@ -89,7 +88,6 @@ std::int32_t BlockScheduledRuns(const std::wstring& given) {
 }
 
 std::int32_t ClearManualUploadMarks(const std::wstring& given) {
-  foundation::LoadConfigurations();
   std::wstring user = ScheduleUser(given);
   if (user.empty()) return 0;
   // "FASLE" is the value the scheduler has always been given.
@@ -100,7 +98,6 @@ std::int32_t ClearManualUploadMarks(const std::wstring& given) {
 }
 
 std::int32_t RequestSchedulePause(const std::wstring& given) {
-  foundation::LoadConfigurations();
   std::wstring user = ScheduleUser(given);
   auto data = ReadScheduleData(user);
   if (!data || !ScheduledRunActive(*data)) return 0;
@@ -112,13 +109,11 @@ std::int32_t RequestSchedulePause(const std::wstring& given) {
 }
 
 bool ScheduledBackupRunning(const std::wstring& given) {
-  foundation::LoadConfigurations();
   auto data = ReadScheduleData(ScheduleUser(given));
   return data && ScheduledRunActive(*data);
 }
 
 std::int32_t ResumeSchedule(const std::wstring& given) {
-  foundation::LoadConfigurations();
   std::wstring user = ScheduleUser(given);
   if (user.empty()) return 0;
   // Profile first: the scheduler resumes when the request file is gone

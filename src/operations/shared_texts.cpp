@@ -1,9 +1,10 @@
 #include "operations/shared_texts.h"
 
 #include "engine/engine_codes.h"
+#include "foundation/configuration.h"
 #include "foundation/language_text.h"
 #include "foundation/message_table.h"
-#include "foundation/settings.h"
+#include "foundation/shared_state.h"
 #include "foundation/text_util.h"
 #include "platform/services.h"
 
@@ -17,21 +18,21 @@ std::wstring TextOr(std::optional<std::wstring> text, const wchar_t* fallback) {
   return text && !foundation::Trim(*text).empty() ? *text : std::wstring(fallback);
 }
 
-void ShowFailureBox(const std::wstring& text) {
-  platform::CurrentUi().ShowMessageBox(text, foundation::CurrentSettings().failure_title,
+void ShowFailureBox(const std::wstring& text, const foundation::Configuration& configuration) {
+  platform::CurrentUi().ShowMessageBox(text, configuration.failure_title,
                                        platform::kMbOk | platform::kMbIconStop);
 }
 
 }  // namespace
 
 void PreloadFailureTexts() {
-  auto& settings = foundation::CurrentSettings();
+  auto& settings = foundation::ThreadState();
   settings.last_error_text = kConnectionFailureText;
   settings.password_changed_text = kPasswordChangedText;
 }
 
 void PreloadFailureTextsFromMessageTable() {
-  auto& settings = foundation::CurrentSettings();
+  auto& settings = foundation::ThreadState();
   settings.last_error_text =
       TextOr(foundation::MessageText(Raw(engine::EngineCode::kNoConnection)), kConnectionFailureText);
   settings.password_changed_text = TextOr(
@@ -46,16 +47,16 @@ std::wstring ConnectionFailureText() {
 }
 
 void PresetConnectionFailureText() {
-  foundation::CurrentSettings().last_error_text = ConnectionFailureText();
+  foundation::ThreadState().last_error_text = ConnectionFailureText();
 }
 
-void ShowListingFailure(std::int32_t result) {
+void ShowListingFailure(std::int32_t result, const foundation::Configuration& configuration) {
   PresetConnectionFailureText();
-  auto& settings = foundation::CurrentSettings();
+  const auto& settings = foundation::ThreadState();
   if (IsListingRetryCode(result) || result == engine::EngineCode::kDatabaseError) {
-    ShowFailureBox(settings.last_error_text);
+    ShowFailureBox(settings.last_error_text, configuration);
   } else if (engine::IsIn(result, engine::codes::kListingOwnText)) {
-    ShowFailureBox(foundation::MessageText(result).value_or(L""));
+    ShowFailureBox(foundation::MessageText(result).value_or(L""), configuration);
   }
 }
 

@@ -2,6 +2,8 @@
 #include <cstdint>
 #include <string>
 
+#include "foundation/configuration.h"
+
 namespace tavrine::operations {
 
 inline constexpr const wchar_t* kConnectionFailureText =
@@ -24,6 +26,6 @@ void PresetConnectionFailureText();
 bool IsListingRetryCode(std::int32_t code);
 
 // The one message box a finished listing shows for its result, if any.
-void ShowListingFailure(std::int32_t result);
+void ShowListingFailure(std::int32_t result, const foundation::Configuration& configuration);
 
 }  // namespace tavrine::operations

@@ -1,7 +1,8 @@
 #include "operations/user_commands.h"
 
+#include "engine/session.h"
+#include "foundation/configuration.h"
 #include "foundation/message_table.h"
-#include "foundation/settings.h"
 #include "foundation/trace_log.h"
 #include "operations/remote_operations.h"
 #include "profile/profile_store.h"
@@ -31,13 +32,13 @@ QuotaAnswer ReadQuotaForShell(double max_size, double used_space) {
 }
 
 std::optional<std::wstring> MessageString(std::int32_t code) {
-  foundation::LoadConfigurations();
+  engine::Session::OpenConfiguration();
   return foundation::MessageText(code);
 }
 
 std::optional<std::wstring> MessageTitle(std::int32_t code) {
-  foundation::LoadConfigurations();
-  const auto& settings = foundation::CurrentSettings();
+  const engine::Session session = engine::Session::OpenConfiguration();
+  const auto& settings = session.configuration();
   switch (foundation::MessageTitleOf(code)) {
     case foundation::MessageTitle::kFirstCaption:
       return settings.message_title;

@@ -1,4 +1,5 @@
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -31,15 +32,32 @@ class ThreadSlot {
   std::uintptr_t index_;
 };
 
-// A T per thread, made on first use, destroyed with its thread.
+// Every PerThread value of a thread lives in one slot, so that a thread's end
+// frees all of them in one place (in the reverse order of their PerThread
+// objects) and no layer's state needs a slot of its own. Ids are never reused.
+namespace thread_values {
+std::size_t NewId();
+ThreadSlot::Value* Find(std::size_t id) noexcept;
+// Throws std::bad_alloc, destroying `value`, when it cannot be stored.
+void Store(std::size_t id, std::unique_ptr<ThreadSlot::Value> value);
+void Drop(std::size_t id) noexcept;
+}  // namespace thread_values
+
+// A T per thread, made on first use, destroyed with its thread (and, for the
+// thread that destroys this object, with the object).
 template <class T>
 class PerThread {
  public:
+  PerThread() : id_(thread_values::NewId()) {}
+  ~PerThread() { thread_values::Drop(id_); }
+  PerThread(const PerThread&) = delete;
+  PerThread& operator=(const PerThread&) = delete;
+
   T& Get() {
-    if (auto* boxed = static_cast<Boxed*>(slot_.Get())) return boxed->object;
+    if (auto* boxed = static_cast<Boxed*>(thread_values::Find(id_))) return boxed->object;
     auto boxed = std::make_unique<Boxed>();
     T& object = boxed->object;
-    slot_.Set(std::move(boxed));
+    thread_values::Store(id_, std::move(boxed));
     return object;
   }
 
@@ -47,7 +65,7 @@ class PerThread {
   struct Boxed : ThreadSlot::Value {
     T object{};
   };
-  ThreadSlot slot_;
+  std::size_t id_;
 };
 
 }  // namespace tavrine::platform

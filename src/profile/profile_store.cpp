@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
-#include "foundation/settings.h"
 #include "foundation/trace_log.h"
 #include "platform/secret_protector.h"
 #include "profile/character_shift.h"
@@ -56,7 +56,7 @@ std::wstring RootKeyFor(const std::wstring& installation_name) {
 }
 
 std::wstring CurrentInstallationName() {
-  const std::wstring& loaded = foundation::CurrentSettings().installation_name;
+  const std::wstring& loaded = foundation::LoadedConfiguration().installation_name;
   if (!loaded.empty()) return loaded;
   return foundation::ReadConfigValue(L"ProductInfo", L"ProductInstallationName");
 }

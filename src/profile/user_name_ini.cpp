@@ -1,6 +1,6 @@
 #include "profile/user_name_ini.h"
 
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "foundation/text_util.h"
 #include "platform/ini_file.h"
 #include "profile/profile_store.h"

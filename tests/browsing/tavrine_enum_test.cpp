@@ -1,3 +1,5 @@
+#include "contract/tavrine_enum.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -8,12 +10,12 @@
 #include <vector>
 
 #include "browsing/browsing_state.h"
-#include "contract/tavrine_enum.h"
 #include "engine/engine_run.h"
+#include "foundation/shared_state.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
-#include "profile/profile_store.h"
 #include "platform/services.h"
+#include "profile/profile_store.h"
 #include "session_fixture.h"
 #include "support/slice_counting_launcher.h"
 
@@ -206,7 +208,7 @@ TEST_F(EnumTest, MachineInfoLeavesTheTextTheCallerShows) {
     install_.SetScenario(EngineScenario().On(119).Output(c.answer));
     TavrinEenum e;
     EXPECT_EQ(e.GetMultiplePCInfo(), c.answer);
-    EXPECT_EQ(foundation::CurrentSettings().last_error_text, c.text) << c.answer;
+    EXPECT_EQ(foundation::ThreadState().last_error_text, c.text) << c.answer;
   }
 }
 

@@ -3,9 +3,9 @@
 #include <chrono>
 #include <thread>
 
-#include "foundation/settings.h"
 #include "contract/cls_api_interface.h"
 #include "contract/ui_commands.h"
+#include "foundation/configuration.h"
 #include "operations/session_fixture.h"
 #include "platform/path.h"
 

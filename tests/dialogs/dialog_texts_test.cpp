@@ -6,7 +6,7 @@
 
 #include "dialogs/login_flow.h"
 #include "dialogs/session_texts.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "support/install_folder.h"
 
 namespace tavrine::dialogs {
@@ -60,7 +60,7 @@ TEST_F(LanguageTables, LinksCarryTheLanguageParameters) {
 
 TEST_F(LanguageTables, ProductNameReplacesTavrinOnce) {
   Use("English");
-  foundation::CurrentSettings().product_name = L"MyTavrinBackup";
+  foundation::LoadedConfiguration().product_name = L"MyTavrinBackup";
   EXPECT_EQ(WithProductName(L"Tavrin and Tavrin"), L"MyTavrinBackup and MyTavrinBackup");
 }
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "support/install_folder.h"
 
 namespace tavrine::dialogs {
@@ -68,7 +68,7 @@ TEST(EncKeyOption, ContinueChecksInOrder) {
     EncKeyOptionPresenter presenter(view);
     presenter.OnContinue();
     using Boxes = std::vector<testing::RecordedBox>;
-    const std::wstring& title = foundation::CurrentSettings().message_title;
+    const std::wstring& title = foundation::LoadedConfiguration().message_title;
     EXPECT_EQ(install.ui().boxes(), (row.box ? Boxes{{row.box, title, row.style}} : Boxes{}));
     EXPECT_EQ(view.cleared, row.cleared);
     EXPECT_EQ(view.focused, !row.accepted);

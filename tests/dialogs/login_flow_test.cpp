@@ -10,7 +10,8 @@
 
 #include "../operations/session_fixture.h"
 #include "fake_views.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
+#include "foundation/shared_state.h"
 #include "platform/registry.h"
 #include "platform/services.h"
 #include "profile/profile_store.h"
@@ -136,7 +137,7 @@ TEST_F(LoginTest, EachFailureCodeShowsItsOneMessageAndLeavesTheProfileAlone) {
       // The engine marks a login in progress in the application folder.
       s.On(call).Info(code).WithFile("../../LoginProgress.txt", "1");
       install_.SetScenario(s);
-      foundation::CurrentSettings().renew_random_permitted = false;
+      foundation::ThreadState().renew_random_permitted = false;
       LoginProcedure procedure(view_, L"");
       EXPECT_FALSE(procedure.OnLogin());
       EXPECT_EQ(ui_.boxes(), (row.text ? Boxes{{row.text, row.title, kStopBox}} : Boxes{}));
@@ -158,7 +159,7 @@ TEST_F(LoginTest, EachFailureCodeShowsItsOneMessageAndLeavesTheProfileAlone) {
       EXPECT_EQ(clock_.CountPauses(5000), network ? 2u : 0u);
       EXPECT_EQ(view_.focus == L"password+select", call == 116 && code == -403);
       // -505 ends the session quietly but lets an operation renew the number.
-      EXPECT_EQ(foundation::CurrentSettings().renew_random_permitted, code == -505);
+      EXPECT_EQ(foundation::ThreadState().renew_random_permitted, code == -505);
     }
   }
 }
@@ -167,7 +168,7 @@ TEST_F(LoginTest, SuccessSendsTheEnteredAccountAndSavesTheProfile) {
   install_.SetScenario(Happy());
   view_.password = L"s3cret";
   view_.auto_reconnect = true;
-  foundation::CurrentSettings().renew_random_permitted = false;
+  foundation::ThreadState().renew_random_permitted = false;
   ASSERT_TRUE(PressLogin());
   EXPECT_TRUE(view_.closed);
   EXPECT_TRUE(ui_.boxes().empty());
@@ -191,7 +192,7 @@ TEST_F(LoginTest, SuccessSendsTheEnteredAccountAndSavesTheProfile) {
       {L"useremailidExist", L"0"}};
   for (const auto& [name, value] : saved) EXPECT_EQ(store.GetForUser(L"alice", name), value) << name;
   EXPECT_EQ(profile::ReadUserList(), (std::vector<std::wstring>{L"alice"}));
-  EXPECT_TRUE(foundation::CurrentSettings().renew_random_permitted);
+  EXPECT_TRUE(foundation::ThreadState().renew_random_permitted);
   std::string trace = TraceText();
   EXPECT_EQ(trace.find("s3cret"), std::string::npos) << "secrets never reach the trace log";
   for (const char* line : {"Checking for account status calling CheckDefEncStatus",
@@ -475,14 +476,14 @@ TEST_F(LoginTest, AProfileThatCannotBeMadeCurrentFailsTheLogin) {
   // An installation name of separators only leaves no profile store to save to.
   install_.WriteFile(L"Configuration.ini", testing::StandardConfiguration(
                                                "EngineTimeoutSeconds=20\r\n", "English", "\\"));
-  foundation::CurrentSettings().renew_random_permitted = false;
+  foundation::ThreadState().renew_random_permitted = false;
   EXPECT_FALSE(PressLogin());
   EXPECT_EQ(Codes(), (std::vector<int>{110, 116, 111}));
   EXPECT_FALSE(procedure_.logged_in());
   EXPECT_FALSE(view_.closed);
   EXPECT_FALSE(view_.locked);
   EXPECT_EQ(ui_.box_texts(), Texts{kCannotConnect});
-  EXPECT_FALSE(foundation::CurrentSettings().renew_random_permitted);
+  EXPECT_FALSE(foundation::ThreadState().renew_random_permitted);
 }
 
 }  // namespace

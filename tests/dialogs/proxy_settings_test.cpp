@@ -5,7 +5,7 @@
 #include <map>
 
 #include "fake_views.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "support/install_folder.h"
 
 namespace tavrine::dialogs {

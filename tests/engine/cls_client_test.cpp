@@ -3,7 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "engine/exchange_folder.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
+#include "foundation/shared_state.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
@@ -82,7 +83,7 @@ TEST_F(ClsClientTest, VersionRequestDropsTheComputerOnlyWithSeveralComputers) {
     client_.WriteDLLInputVersionFile(folder_, ProxyArguments({}, L"R1"), L"HOMEPC\\C\\Docs\\a.txt");
     EXPECT_EQ(Request(), Utf16LeFile(kHead + (kNoProxy + c.line13 + L"\r\n")))
         << (c.host_count ? c.host_count : "none");
-    EXPECT_EQ(foundation::CurrentSettings().multiple_pc, c.host_count != nullptr);
+    EXPECT_EQ(foundation::ThreadState().multiple_pc, c.host_count != nullptr);
   }
   // Without several computers this computer is recorded as the only host.
   std::wstring mpc = folder_ + platform::kPathSeparator + L"MPC.ini";
@@ -229,7 +230,7 @@ TEST_F(ClsClientTest, GetIpAddressResolvesTheConfiguredHostOrFallsBack) {
   install_.WriteConfiguration(
       "[ProductInfo]\r\nProductInstallationName=TavrinE\r\n[ConnectionInfo]\r\n"
       "DomainName=no-such-host.invalid\r\n");
-  foundation::CurrentSettings().current_address = L"127.0.0.9";
+  foundation::LoadedConfiguration().current_address = L"127.0.0.9";
   client_.GetIPAddress();
   EXPECT_EQ(client_.server_address(), L"127.0.0.9");
 }

@@ -4,7 +4,7 @@
 
 #include <climits>
 
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "foundation/trace_log.h"
 #include "platform/path.h"
 #include "platform/services.h"
@@ -98,7 +98,7 @@ class EngineCallTest : public ::testing::Test {
   EngineCallTest() : install_({.folder_name = L"install d\u00efr"}) {
     folder_ = install_.folder() + platform::kPathSeparator + L"ex \u00e9t\u00e9";
     fs::create_directories(platform::ToFsPath(folder_));
-    foundation::CurrentSettings().engine_timeout_seconds = 30;
+    foundation::LoadedConfiguration().engine_timeout_seconds = 30;
   }
   std::string Trace() const {
     return testing::ReadFileBytes(platform::ToFsPath(foundation::TraceFilePath()));
@@ -157,7 +157,7 @@ TEST_F(EngineCallTest, WhatIsReadDependsOnHowTheRunEnded) {
     fs::remove(platform::ToFsPath(marker));
     if (c.cancel_marker) testing::WriteFileBytes(platform::ToFsPath(marker), "");
     fs::remove(platform::ToFsPath(foundation::TraceFilePath()));
-    foundation::CurrentSettings().engine_timeout_seconds = c.timeout_s;
+    foundation::LoadedConfiguration().engine_timeout_seconds = c.timeout_s;
     EngineResult previous;
     previous.value = -416;
     previous.description = L"before";

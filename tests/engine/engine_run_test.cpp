@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "platform/path.h"
 #include "platform/services.h"
 #include "support/engine_harness.h"
@@ -22,7 +22,7 @@ class EngineRunTest : public ::testing::Test {
   EngineRunTest() : install_({.folder_name = L"install d\u00efr"}) {
     folder_ = install_.folder() + platform::kPathSeparator + L"ex \u00e9t\u00e9";
     std::filesystem::create_directories(platform::ToFsPath(folder_));
-    foundation::CurrentSettings().engine_timeout_seconds = 30;
+    foundation::LoadedConfiguration().engine_timeout_seconds = 30;
   }
   EngineInstall install_;
   std::wstring folder_;
@@ -39,7 +39,7 @@ TEST_F(EngineRunTest, TheEngineSeesExactlyTheParametersAndRunsInTheLibraryFolder
 }
 
 TEST_F(EngineRunTest, AnEmptyProgramNameIsRefusedRatherThanOpeningTheFolder) {
-  foundation::CurrentSettings().client_program_name.clear();
+  foundation::LoadedConfiguration().client_program_name.clear();
   EXPECT_EQ(StartEngine(ConfiguredEngineProgram(), 2, folder_), nullptr);
   EXPECT_TRUE(install_.Journal().empty());
 }
@@ -97,7 +97,7 @@ TEST(EngineWaits, SlicesPausesAndMessagesPerFlavour) {
     testing::FakeClock clock;
     testing::RecordingUi ui;
     platform::ScopedServices seams({.clock = &clock, .ui = &ui, .module_folder = {}});
-    foundation::CurrentSettings().engine_timeout_seconds = 1;
+    foundation::LoadedConfiguration().engine_timeout_seconds = 1;
     ScriptedProcess process(c.running);
     EXPECT_EQ(c.wait(&process), c.end) << c.name;
     EXPECT_EQ(process.waits, std::vector<std::uint32_t>(c.slices, c.slice_ms)) << c.name;

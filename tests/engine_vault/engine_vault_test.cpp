@@ -11,7 +11,8 @@
 #include "contract/cls_client.h"
 #include "engine/engine_run.h"
 #include "engine/proxy.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
+#include "foundation/shared_state.h"
 #include "foundation/text_file.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
@@ -39,7 +40,8 @@ class Vault : public ::testing::Test {
  protected:
   Vault() : install_(StandardEngineInstall()) {}
   void SetUp() override {
-    foundation::CurrentSettings() = foundation::Settings{};
+    foundation::LoadedConfiguration() = {};
+    foundation::ThreadState() = {};
     ResetProfileStore();
     ASSERT_EQ(install_.Run(L"--make-sample-vault " + platform::FromFsPath(vault())),
               platform::WaitOutcome::kExited);

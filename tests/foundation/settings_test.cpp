@@ -1,7 +1,6 @@
-#include "foundation/settings.h"
-
 #include <gtest/gtest.h>
 
+#include "foundation/configuration.h"
 #include "foundation/trace_log.h"
 #include "platform/code_page.h"
 #include "platform/path.h"
@@ -29,7 +28,7 @@ TEST(LoadConfigurations, CompleteFileFillsGlobalsAndDerivedTitles) {
                                     "[WebLink]\r\nLoginLink=http://l\r\n"
                                     "SignupLink=http://configured-signup\r\n"));
   ASSERT_TRUE(LoadConfigurations());
-  const Settings& s = CurrentSettings();
+  const Configuration& s = LoadedConfiguration();
   EXPECT_EQ(s.product_number, 7);
   EXPECT_EQ(s.product_name_copy, L"Acme");
   EXPECT_EQ(s.language, L"German");
@@ -79,22 +78,22 @@ TEST(LoadConfigurations, ValidityRules) {
     InstallFolder install;
     install.WriteConfiguration(c.ini);
     EXPECT_EQ(LoadConfigurations(), c.valid);
-    EXPECT_EQ(CurrentSettings().caption, c.caption);
+    EXPECT_EQ(LoadedConfiguration().caption, c.caption);
   }
 }
 
 TEST(LoadConfigurations, WhatCannotBeReadKeepsTheEarlierGlobals) {
   InstallFolder install;
-  CurrentSettings().product_name = L"Earlier";
-  CurrentSettings().caption = L"Earlier caption";
-  CurrentSettings().product_number = 9;
+  LoadedConfiguration().product_name = L"Earlier";
+  LoadedConfiguration().caption = L"Earlier caption";
+  LoadedConfiguration().product_number = 9;
   EXPECT_FALSE(LoadConfigurations());  // no file at all
-  EXPECT_EQ(CurrentSettings().product_name, L"Earlier");
-  EXPECT_EQ(CurrentSettings().caption, L"Earlier caption");
+  EXPECT_EQ(LoadedConfiguration().product_name, L"Earlier");
+  EXPECT_EQ(LoadedConfiguration().caption, L"Earlier caption");
   install.WriteConfiguration(Config("ProductNumber=seven\r\nProductName=Tavrin\r\n"
                                     "ProductInstallationName=I\r\nProductTreeViewName=T\r\n"));
   EXPECT_TRUE(LoadConfigurations());
-  EXPECT_EQ(CurrentSettings().product_number, 9);
+  EXPECT_EQ(LoadedConfiguration().product_number, 9);
 }
 
 TEST(LoadConfigurations, EngineTimeoutIsConfigurableWhenPositive) {
@@ -103,7 +102,7 @@ TEST(LoadConfigurations, EngineTimeoutIsConfigurableWhenPositive) {
     const std::string line = std::string("EngineTimeoutSeconds=") + text + "\r\n";
     install.WriteConfiguration(Config(kCompleteProductInfo, "[ConnectionInfo]\r\n" + line));
     LoadConfigurations();
-    EXPECT_EQ(CurrentSettings().engine_timeout_seconds, seconds) << text;
+    EXPECT_EQ(LoadedConfiguration().engine_timeout_seconds, seconds) << text;
   }
 }
 

@@ -4,7 +4,7 @@
 
 #include <stdexcept>
 
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "platform/path.h"
 #include "support/install_folder.h"
 

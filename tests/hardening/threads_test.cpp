@@ -9,7 +9,8 @@
 
 #include "browsing/browsing_state.h"
 #include "contract/tavrine_enum.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
+#include "foundation/shared_state.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
 #include "support/engine_harness.h"
@@ -38,7 +39,8 @@ struct Walker {
     FakeClock clock;
     RecordingUi ui;
     platform::ScopedServices scoped({.clock = &clock, .ui = &ui, .module_folder = {}});
-    foundation::CurrentSettings() = foundation::Settings{};
+    foundation::LoadedConfiguration() = {};
+    foundation::ThreadState() = {};
     profile::SetCurrentUserName(user);
     profile::UpdateUserProfile(L"username", user);
     profile::UpdateUserProfile(L"Count", L"0");

@@ -2,11 +2,12 @@
 
 #include <thread>
 
-#include "foundation/settings.h"
 #include "contract/cls_api_interface.h"
+#include "contract/ui_commands.h"
+#include "foundation/configuration.h"
+#include "foundation/shared_state.h"
 #include "operations/last_quota.h"
 #include "operations/shared_texts.h"
-#include "contract/ui_commands.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
 #include "session_fixture.h"
@@ -49,7 +50,7 @@ TEST_F(Listing, TenTransientAnswersEndWithTheConnectionFailureBox) {
 TEST_F(Listing, EveryRetriedCodeEndsWithTheConnectionFailureBox) {
   foundation::LoadConfigurations();
   for (int code : {-416, -404, -417, -403, -508, -507, -506, -401, -405, -12008, -12009, -12010}) {
-    ShowListingFailure(code);
+    ShowListingFailure(code, foundation::LoadedConfiguration());
   }
   ASSERT_EQ(ui_.boxes().size(), 12u);
   for (const auto& box : ui_.boxes()) {
@@ -66,7 +67,7 @@ TEST_F(Listing, UnregisteredMachineReturns401UnlessRenewalIsPermitted) {
   install_.Restart(EngineScenario()
                        .On(115).Info(-505).Then().Output(0).WithFile("Backupfile.txt", "x")
                        .On(5).Output(404));
-  foundation::CurrentSettings().renew_random_permitted = true;
+  foundation::ThreadState().renew_random_permitted = true;
   clock_.ClearPauses();
   EXPECT_EQ(clsAPI_Interface().API_REMOTE(CallerFolder(L"m2")), 402);
   EXPECT_EQ(install_.Codes(), (std::vector<int>{115, 5, 115}));

@@ -1,5 +1,6 @@
 #include "session_fixture.h"
 
+#include "foundation/shared_state.h"
 #include "operations/last_quota.h"
 #include "platform/path.h"
 #include "profile/profile_store.h"
@@ -11,7 +12,8 @@ SessionTest::SessionTest() : install_(StandardEngineInstall()) {}
 
 void SessionTest::SetUp() {
   seams_.emplace(platform::Services{.clock = &clock_, .ui = &ui_, .module_folder = {}});
-  foundation::CurrentSettings() = foundation::Settings{};
+  foundation::LoadedConfiguration() = {};
+  foundation::ThreadState() = {};
   operations::LastQuota().reset();
   ResetProfileStore();
   profile::SetCurrentUserName(L"alice");

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "platform/services.h"
 #include "support/engine_harness.h"
 #include "support/fake_clock.h"

@@ -17,9 +17,13 @@ struct Counted {
   ~Counted() { ++destroyed; }
 };
 
-TEST(ThreadSlot, EachThreadHasItsOwnValueDestroyedWhenTheThreadEnds) {
+// All values of a thread share one slot: each object's stays apart, all go
+// when the thread ends, and an object that goes takes this thread's with it.
+TEST(ThreadSlot, EachThreadHasItsOwnValuesDestroyedWhenTheThreadEnds) {
   PerThread<Counted> state;
+  auto other = std::make_unique<PerThread<Counted>>();
   state.Get().owner = L"main";
+  other->Get().owner = L"other";
   destroyed = 0;
   std::vector<std::thread> threads;
   std::vector<std::wstring> seen(4);
@@ -28,13 +32,16 @@ TEST(ThreadSlot, EachThreadHasItsOwnValueDestroyedWhenTheThreadEnds) {
       // A fresh value on a new thread, long enough to live on the heap.
       seen[i] = state.Get().owner;
       state.Get().owner = L"thread number " + std::to_wstring(i) + L" with a long name";
+      other->Get().owner = L"x";
       seen[i] += L"|" + state.Get().owner;
     });
   }
   for (auto& thread : threads) thread.join();
-  EXPECT_EQ(destroyed, 4);
+  EXPECT_EQ(destroyed, 8);
   for (int i = 0; i < 4; ++i) EXPECT_EQ(seen[i], L"|thread number " + std::to_wstring(i) + L" with a long name");
-  EXPECT_EQ(state.Get().owner, L"main");
+  EXPECT_EQ(state.Get().owner + other->Get().owner, L"mainother");
+  other.reset();
+  EXPECT_EQ(destroyed, 9);
 }
 
 TEST(ThreadSlot, SettingAgainReplacesAndDestroysTheEarlierValue) {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "platform/registry.h"
 #include "profile/profile_store.h"
 #include "support/install_folder.h"
@@ -20,7 +20,7 @@ class ProfileFixture {
     install_.WriteConfiguration("[ProductInfo]\r\nProductInstallationName=" +
                                 std::string(installation_.begin(), installation_.end()) +
                                 "\r\n");
-    foundation::CurrentSettings().installation_name = installation_;
+    foundation::LoadedConfiguration().installation_name = installation_;
   }
   ~ProfileFixture() {
     auto registry = Registry();

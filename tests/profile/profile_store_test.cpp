@@ -172,12 +172,12 @@ TEST(ProfileShorthands, FollowTheLoadedInstallationOrElseTheConfiguration) {
   ASSERT_TRUE(WriteDefaultUser(L"alice"));
   EXPECT_EQ(fixture.Store().Get(L"password"), L"pw");
   // Nothing loaded yet: the configuration file names the installation.
-  foundation::CurrentSettings().installation_name.clear();
+  foundation::LoadedConfiguration().installation_name.clear();
   EXPECT_EQ(GetUserProfile(L"password"), L"pw");
   EXPECT_EQ(CurrentUserName(), L"alice");
   EXPECT_EQ(DefaultUserName(), L"alice");
   // A loaded name wins over the file; that installation's store is apart, deletes too.
-  foundation::CurrentSettings().installation_name = fixture.OtherInstallation();
+  foundation::LoadedConfiguration().installation_name = fixture.OtherInstallation();
   EXPECT_EQ(GetUserProfile(L"password"), L"");
   EXPECT_EQ(CurrentUserName(), L"");
   ASSERT_TRUE(SetCurrentUserName(L"alice"));

@@ -2,7 +2,7 @@
 
 #include <tuple>
 
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
 #include "profile/profile_fixture.h"
@@ -39,7 +39,7 @@ TEST(UserNameIni, RandomNumberPerInstallationVirtualPathAndUserNameRoundTrip) {
                                     foundation::UserNameIniPath()),
             L"12725534099");
   EXPECT_EQ(platform::ReadIniString(L"Registry", L"Other", foundation::UserNameIniPath()), L"kept");
-  foundation::CurrentSettings().installation_name = fixture.OtherInstallation();
+  foundation::LoadedConfiguration().installation_name = fixture.OtherInstallation();
   EXPECT_EQ(ReadStoredRandomNumber(), L"");
 }
 

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "foundation/settings.h"
 #include "contract/c_restore.h"
 #include "contract/cls_api_interface.h"
+#include "foundation/shared_state.h"
 #include "platform/ini_file.h"
 #include "platform/path.h"
 #include "platform/services.h"
@@ -56,7 +56,7 @@ TEST_F(RestoreTest, RequestFilesPerHostCount) {
     EXPECT_EQ(runs.back().restdestdir, Utf16LeFile(dest_lines)) << c.parent;
     EXPECT_EQ(platform::ReadIniString(L"MPC", L"Hosts", mpc), c.hosts) << c.host_count;
     EXPECT_EQ(platform::ReadIniString(L"MPC", L"HostCount", mpc), L"1");
-    EXPECT_EQ(foundation::CurrentSettings().multiple_pc, c.multiple);
+    EXPECT_EQ(foundation::ThreadState().multiple_pc, c.multiple);
     EXPECT_EQ(clock_.pauses(), (std::vector<std::uint32_t>{2000}));
   }
 }

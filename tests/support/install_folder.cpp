@@ -1,6 +1,7 @@
 #include "support/install_folder.h"
 
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
+#include "foundation/shared_state.h"
 #include "profile/profile_store.h"
 
 namespace tavrine::testing {
@@ -27,7 +28,8 @@ platform::Services SeamsFor(const TempFolder& folder, FakeClock& clock, Recordin
 
 InstallFolder::InstallFolder() : services_(SeamsFor(folder_, clock_, ui_)) {
   // Each test starts from fresh process-wide settings on its thread.
-  foundation::CurrentSettings() = foundation::Settings{};
+  foundation::LoadedConfiguration() = {};
+  foundation::ThreadState() = {};
 }
 
 void InstallFolder::WriteConfiguration(const std::string& ini_text) {

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <iostream>
 
+#include "format.h"
+#include "foundation/configuration.h"
 #include "foundation/file_system.h"
 #include "foundation/message_table.h"
-#include "foundation/settings.h"
 #include "platform/console.h"
 #include "platform/path.h"
-#include "format.h"
 #include "profile/profile_store.h"
 
 namespace tavrine::cli {

@@ -3,11 +3,11 @@
 
 #include "commands.h"
 #include "console_login_view.h"
-#include "dialogs/login_flow.h"
-#include "foundation/message_table.h"
-#include "foundation/settings.h"
-#include "format.h"
 #include "contract/ui_commands.h"
+#include "dialogs/login_flow.h"
+#include "format.h"
+#include "foundation/configuration.h"
+#include "foundation/message_table.h"
 #include "profile/profile_store.h"
 
 namespace tavrine::cli {

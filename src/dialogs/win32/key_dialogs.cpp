@@ -1,7 +1,7 @@
 #include "dialogs/dialog_texts.h"
 #include "dialogs/win32/dialogs_win32.h"
 #include "dialogs/win32/resource.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 
 namespace tavrine::dialogs::win32 {
 
@@ -31,7 +31,7 @@ KeyChoice EncKeyOptionDialog::Show(HWND owner) {
 }
 
 int EncKeyOptionDialog::OnInit() {
-  const auto& settings = foundation::CurrentSettings();
+  const auto& settings = foundation::LoadedConfiguration();
   SetWindowTextW(hwnd(), LocalText(caption::kEncTitle, L"Encryption key").c_str());
   SetText(IDC_lblHeading, LocalText(caption::kKeyHeading,
                                     L"Provide an encryption key to encrypt and decrypt your files and folders"));

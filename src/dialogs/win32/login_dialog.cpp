@@ -4,7 +4,8 @@
 #include "dialogs/dialog_texts.h"
 #include "dialogs/win32/dialogs_win32.h"
 #include "dialogs/win32/resource.h"
-#include "foundation/settings.h"
+#include "engine/session.h"
+#include "foundation/configuration.h"
 #include "foundation/text_util.h"
 #include "profile/profile_store.h"
 
@@ -34,7 +35,7 @@ constexpr Caption kLoginCaptions[] = {
 };
 
 const std::wstring& LinkOf(int control) {
-  const auto& settings = foundation::CurrentSettings();
+  const auto& settings = foundation::LoadedConfiguration();
   switch (control) {
     case IDC_picNewUserReg:
       return settings.signup_link;
@@ -59,7 +60,7 @@ std::wstring LoginCaption(int control_id) {
 LoginDialog::LoginDialog() : DialogBase(IDD_frmLogin) {}
 
 std::int16_t LoginDialog::Show(HWND owner) {
-  foundation::LoadConfigurations();
+  engine::Session::OpenConfiguration();
   opened_user_ = profile::DefaultUserName();
   procedure_.emplace(static_cast<LoginView&>(*this), opened_user_);
   if (ShowModal(owner) == -1) return 0;
@@ -67,7 +68,7 @@ std::int16_t LoginDialog::Show(HWND owner) {
 }
 
 int LoginDialog::OnInit() {
-  const auto& settings = foundation::CurrentSettings();
+  const auto& settings = foundation::LoadedConfiguration();
   background_ = Picture::Load(ImageFile(L"login_screen_bigger.gif"));
   banner_ = Picture::Load(ImageFile(L"Login.gif"));
   SetWindowTextW(hwnd(), (settings.caption + L" - Login").c_str());
@@ -113,7 +114,7 @@ void LoginDialog::DrawBanner(const DRAWITEMSTRUCT& item) {
   SelectScope select(item.hDC, font);
   SetBkMode(item.hDC, TRANSPARENT);
   RECT area = item.rcItem;
-  DrawTextW(item.hDC, foundation::CurrentSettings().caption.c_str(), -1, &area,
+  DrawTextW(item.hDC, foundation::LoadedConfiguration().caption.c_str(), -1, &area,
             DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
 }
 

@@ -4,7 +4,7 @@
 #include "dialogs/dialog_texts.h"
 #include "dialogs/win32/dialogs_win32.h"
 #include "dialogs/win32/resource.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "profile/profile_store.h"
 
 namespace tavrine::dialogs::win32 {

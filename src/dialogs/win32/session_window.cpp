@@ -5,7 +5,7 @@
 #include "dialogs/session_texts.h"
 #include "dialogs/win32/dialogs_win32.h"
 #include "dialogs/win32/resource.h"
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 #include "platform/services.h"
 
 namespace tavrine::dialogs::win32 {
@@ -20,8 +20,9 @@ bool frmSession::Show(int modal) {
 }
 
 int frmSession::OnInit() {
-  SetWindowTextW(hwnd(), (foundation::CurrentSettings().caption + L" - " +
-                          LocalText(caption::kSessionTitle, L"Session")).c_str());
+  SetWindowTextW(hwnd(), (foundation::LoadedConfiguration().caption + L" - " +
+                          LocalText(caption::kSessionTitle, L"Session"))
+                             .c_str());
   SetText(IDC_lblSessionUser, LocalText(caption::kSessionUser, L"User:"));
   SetText(IDC_lblSessionServer, LocalText(caption::kSessionServer, L"Server:"));
   SetText(IDC_lblSessionQuota, LocalText(caption::kSessionQuota, L"Quota:"));

@@ -2,9 +2,8 @@
 // with window messages or keystrokes, message boxes, screenshots, the layout
 // and access-key checks, and the fixtures with an engine install per language.
 #pragma once
-#include <windows.h>
-
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include <atomic>
 #include <filesystem>
@@ -14,7 +13,8 @@
 #include <thread>
 #include <vector>
 
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
+#include "foundation/shared_state.h"
 #include "operations/last_quota.h"
 #include "profile/profile_store.h"
 #include "support/engine_harness.h"
@@ -120,7 +120,8 @@ class WindowsTest : public ::testing::Test {
     for (const char* file : {"German.ini", "Spanish.ini"}) {
       std::filesystem::copy_file(std::filesystem::path(TAVRINE_LANG_DIR) / file, install_.path() / "Lang" / file);
     }
-    foundation::CurrentSettings() = foundation::Settings{};
+    foundation::LoadedConfiguration() = {};
+    foundation::ThreadState() = {};
     operations::LastQuota().reset();
     testing::ResetProfileStore();
     foundation::LoadConfigurations();

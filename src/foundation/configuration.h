@@ -4,9 +4,9 @@
 
 namespace tavrine::foundation {
 
-// The process-wide settings loaded from Configuration.ini and the state other
-// subsystems share. One copy per thread: each apartment thread has its own.
-struct Settings {
+// What Configuration.ini gives, and what is derived from it. A session loads it
+// at an operation's start and holds it by value.
+struct Configuration {
   // [ProductInfo]
   std::int16_t product_number = 0;
   std::wstring product_name;
@@ -41,27 +41,27 @@ struct Settings {
   std::wstring message_title;
   std::wstring failure_title;
   std::wstring logon_failure_title;
-  // Shared state set by other subsystems.
-  bool multiple_pc = false;
-  std::wstring mpc_user_name;
-  std::wstring last_error_text;
-  std::wstring password_changed_text;
-  std::wstring work_root;
-  // Set by the login flow: whether a -505 answer may renew the random number.
-  bool renew_random_permitted = false;
   // Upper bound of one engine run (ConnectionInfo/EngineTimeoutSeconds).
   std::uint32_t engine_timeout_seconds = 1800;
 };
 
-Settings& CurrentSettings();
+// The configuration last loaded on this thread. The layers under every session
+// (message texts, language texts, the profile store) and the calls that open
+// none read it; a later load on the same thread starts from it, so values the
+// new file lacks stay as an earlier load left them.
+Configuration& LoadedConfiguration();
 
 inline constexpr const wchar_t* kFixedSignupLink =
     L"https://www.tavrine.com/tavrine/jsp/tve_freesignup.jsp";
 inline constexpr const wchar_t* kDefaultServerHost = L"www.tavrine.com";
 inline constexpr std::uint32_t kDefaultEngineTimeoutSeconds = 1800;
 
-// Loads Configuration.ini beside the library into CurrentSettings(); true when
-// the configuration is complete.
+// Reads Configuration.ini beside the library over `into`: a missing file
+// leaves it as it is, and the derived names change only when the file is
+// complete. True when the configuration is complete.
+bool LoadConfiguration(Configuration& into);
+
+// LoadConfiguration(LoadedConfiguration()).
 bool LoadConfigurations();
 
 // One value of Configuration.ini, trimmed; "" when the file, section or key is missing.

@@ -1,11 +1,10 @@
-#include "foundation/settings.h"
+#include "foundation/configuration.h"
 
 #include "foundation/file_system.h"
 #include "foundation/text_util.h"
 #include "platform/ini_file.h"
 #include "platform/module_folder.h"
 #include "platform/path.h"
-#include "platform/thread_slot.h"
 
 namespace tavrine::foundation {
 
@@ -29,11 +28,6 @@ std::uint32_t ReadEngineTimeout() {
 }
 
 }  // namespace
-
-Settings& CurrentSettings() {
-  static platform::PerThread<Settings> settings;
-  return settings.Get();
-}
 
 std::wstring ConfigurationFilePath() {
   return JoinPath(platform::ModuleFolder(), L"Configuration.ini");
@@ -62,9 +56,10 @@ std::wstring ComputeWorkRoot() {
   return root;
 }
 
-bool LoadConfigurations() {
+bool LoadConfigurations() { return LoadConfiguration(LoadedConfiguration()); }
+
+bool LoadConfiguration(Configuration& s) {
   if (!FileExists(ConfigurationFilePath())) return false;
-  Settings& s = CurrentSettings();
 
   if (auto number = ParseInt16(ReadConfigValue(kProductInfo, L"ProductNumber"))) {
     s.product_number = *number;
