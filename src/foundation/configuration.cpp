@@ -36,6 +36,8 @@ std::wstring ConfigurationFilePath() {
 std::wstring UserNameIniPath() { return JoinPath(platform::ModuleFolder(), L"UserName.ini"); }
 
 std::wstring ReadConfigValue(const std::wstring& section, const std::wstring& key) {
+  // A value that cannot be read is a missing one: the configuration is read
+  // on every call, and a missing key has its default.
   try {
     return CleanValue(Trim(platform::ReadIniString(section, key, ConfigurationFilePath())));
   } catch (...) {
@@ -45,6 +47,8 @@ std::wstring ReadConfigValue(const std::wstring& section, const std::wstring& ke
 
 std::wstring ComputeWorkRoot() {
   std::wstring root;
+  // An unreadable UserName.ini leaves the work root in the install folder,
+  // as an empty VirtualPath does.
   try {
     root = Trim(platform::ReadIniString(L"Registry", L"VirtualPath", UserNameIniPath()));
     root = CleanValue(root);
