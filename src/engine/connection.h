@@ -72,7 +72,7 @@ void WriteRequestLines(const std::wstring& folder, const std::vector<std::wstrin
 // The six proxy lines of a request.
 std::vector<std::wstring> ProxyLines(const ProxyBlock& proxy);
 
-// A new client random number of five parts 1..255, kept in UserName.ini.
+// A new client random number: five numbers of 1..255, kept in UserName.ini.
 std::wstring GenerateRandomNumber();
 
 // The random number a request carries: the profile's "random", else the
