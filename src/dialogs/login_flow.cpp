@@ -146,10 +146,6 @@ std::wstring LoginMessageText(LoginMessage message) {
   return L"";
 }
 
-bool IsRetriedLoginCode(std::int32_t code) {
-  return engine::IsIn(code, engine::codes::kTransientLogin);
-}
-
 std::optional<LoginMessage> MessageForCode(std::int32_t code, LoginCall call,
                                            bool entry_is_email) {
   using M = LoginMessage;

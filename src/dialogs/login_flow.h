@@ -77,9 +77,6 @@ enum class LoginCall { kEncryptionStatus = 110, kCompleteSession = 111, kLogin =
 // (-505 after 111) or that are handled on their own (-404 after 111).
 std::optional<LoginMessage> MessageForCode(std::int32_t code, LoginCall call, bool entry_is_email);
 
-// Result 0 (no answer) and the network codes: the call is run again.
-bool IsRetriedLoginCode(std::int32_t code);
-
 inline constexpr int kLoginAttempts = 3;
 inline constexpr std::uint32_t kLoginRetryPauseMs = 5000;
 // After this many wrong encryption passwords the login gives up.
